@@ -1,0 +1,31 @@
+#!/usr/bin/env bash
+# Installs every Debian package the project builds, tests and runs with.
+# Idempotent; needs root (or sudo). Touches nothing but apt.
+set -euo pipefail
+
+PACKAGES=(
+  build-essential g++ cmake ninja-build pkg-config ccache clang
+  libsdl2-dev libepoxy-dev libfreeimage-dev libtinyxml-dev libssl-dev
+  libraw-dev libgsf-1-dev libfreetype-dev libharfbuzz-dev libfontconfig-dev
+  libgl1-mesa-dri libegl-mesa0 libegl1 libgles2
+  fonts-dejavu-core fonts-wqy-zenhei
+  libgtest-dev libgmock-dev libbenchmark-dev
+)
+
+missing=()
+for p in "${PACKAGES[@]}"; do
+  dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")
+done
+if [ ${#missing[@]} -eq 0 ]; then
+  echo "setup: all packages present"
+  exit 0
+fi
+
+SUDO=""
+if [ "$(id -u)" -ne 0 ]; then
+  command -v sudo >/dev/null || { echo "setup: run as root to install: ${missing[*]}" >&2; exit 1; }
+  SUDO="sudo"
+fi
+export DEBIAN_FRONTEND=noninteractive
+$SUDO apt-get update -q
+$SUDO apt-get install -y -q --no-install-recommends "${missing[@]}"

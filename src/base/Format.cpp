@@ -1,0 +1,294 @@
+#include "base/Format.h"
+
+#include <cstdio>
+#include <cwchar>
+
+#include "base/TextCodec.h"
+
+namespace KarvelUI {
+
+long long FormatArg::AsSigned() const {
+  switch (m_kind) {
+    case Kind::Signed: return m_signed;
+    case Kind::Unsigned: return static_cast<long long>(m_unsigned);
+    case Kind::Double: return static_cast<long long>(m_double);
+    default: return static_cast<long long>(reinterpret_cast<std::uintptr_t>(m_pointer));
+  }
+}
+
+unsigned long long FormatArg::AsUnsigned() const {
+  switch (m_kind) {
+    case Kind::Signed: return static_cast<unsigned long long>(m_signed);
+    case Kind::Unsigned: return m_unsigned;
+    case Kind::Double: return static_cast<unsigned long long>(static_cast<long long>(m_double));
+    default: return reinterpret_cast<std::uintptr_t>(m_pointer);
+  }
+}
+
+double FormatArg::AsDouble() const {
+  switch (m_kind) {
+    case Kind::Signed: return static_cast<double>(m_signed);
+    case Kind::Unsigned: return static_cast<double>(m_unsigned);
+    case Kind::Double: return m_double;
+    default: return 0.0;
+  }
+}
+
+const void* FormatArg::AsPointer() const {
+  switch (m_kind) {
+    case Kind::Signed: return reinterpret_cast<const void*>(static_cast<std::intptr_t>(m_signed));
+    case Kind::Unsigned: return reinterpret_cast<const void*>(static_cast<std::uintptr_t>(m_unsigned));
+    case Kind::Double: return nullptr;
+    default: return m_pointer;
+  }
+}
+
+namespace {
+
+enum class Width { Default, Char, Short, Long32, Long64 };
+
+struct Spec {
+  std::string flags;
+  int width = -1;
+  int precision = -1;
+  Width size = Width::Default;
+  bool wideOverride = false;    // l or w: text is wide whatever the type letter
+  bool narrowOverride = false;  // h: text is narrow whatever the type letter
+  wchar_t type = 0;
+};
+
+class Formatter {
+ public:
+  Formatter(const wchar_t* format, std::span<const FormatArg> args) : m_p(format), m_args(args) {}
+
+  std::wstring Run() {
+    if (!m_p) return m_out;
+    while (*m_p) {
+      if (*m_p != L'%') {
+        m_out += *m_p++;
+        continue;
+      }
+      ++m_p;
+      if (*m_p == L'%') {
+        m_out += L'%';
+        ++m_p;
+        continue;
+      }
+      Spec spec;
+      if (!ParseSpec(spec)) break;
+      Emit(spec);
+    }
+    return m_out;
+  }
+
+ private:
+  const FormatArg* Next() { return m_next < m_args.size() ? &m_args[m_next++] : nullptr; }
+
+  int ReadNumberOrStar() {
+    if (*m_p == L'*') {
+      ++m_p;
+      const FormatArg* a = Next();
+      return a ? static_cast<int>(a->AsSigned()) : 0;
+    }
+    int n = 0;
+    while (*m_p >= L'0' && *m_p <= L'9') n = n * 10 + (*m_p++ - L'0');
+    return n;
+  }
+
+  bool ParseSpec(Spec& spec) {
+    while (*m_p && std::wcschr(L"-+ #0", *m_p)) spec.flags += static_cast<char>(*m_p++);
+    if (*m_p == L'*' || (*m_p >= L'0' && *m_p <= L'9')) {
+      spec.width = ReadNumberOrStar();
+      if (spec.width < 0) {
+        spec.flags += '-';
+        spec.width = -spec.width;
+      }
+    }
+    if (*m_p == L'.') {
+      ++m_p;
+      spec.precision = ReadNumberOrStar();
+      if (spec.precision < 0) spec.precision = -1;
+    }
+    ParseLength(spec);
+    if (!*m_p) return false;
+    spec.type = *m_p++;
+    return true;
+  }
+
+  void ParseLength(Spec& spec) {
+    for (;;) {
+      if (std::wcsncmp(m_p, L"I64", 3) == 0) {
+        spec.size = Width::Long64, m_p += 3;
+      } else if (std::wcsncmp(m_p, L"I32", 3) == 0) {
+        spec.size = Width::Long32, m_p += 3;
+      } else if (*m_p == L'I' || *m_p == L'z' || *m_p == L'j' || *m_p == L't') {
+        spec.size = Width::Long64, ++m_p;
+      } else if (m_p[0] == L'l' && m_p[1] == L'l') {
+        spec.size = Width::Long64, m_p += 2;
+      } else if (*m_p == L'l' || *m_p == L'w') {
+        // Windows' long is 32 bits; for text l and w select wide characters.
+        spec.size = Width::Long32, spec.wideOverride = true, ++m_p;
+      } else if (m_p[0] == L'h' && m_p[1] == L'h') {
+        spec.size = Width::Char, spec.narrowOverride = true, m_p += 2;
+      } else if (*m_p == L'h') {
+        spec.size = Width::Short, spec.narrowOverride = true, ++m_p;
+      } else if (*m_p == L'L' || *m_p == L'q') {
+        spec.size = Width::Long64, ++m_p;
+      } else {
+        return;
+      }
+    }
+  }
+
+  void Emit(const Spec& spec) {
+    switch (spec.type) {
+      case L'd': case L'i':
+        EmitSigned(spec);
+        break;
+      case L'u': case L'o': case L'x': case L'X':
+        EmitUnsigned(spec);
+        break;
+      case L'f': case L'F': case L'e': case L'E': case L'g': case L'G': case L'a': case L'A':
+        EmitDouble(spec);
+        break;
+      case L'c': case L'C':
+        EmitChar(spec);
+        break;
+      case L's': case L'S':
+        EmitString(spec);
+        break;
+      case L'p':
+        EmitPointer(spec);
+        break;
+      case L'n':
+        Next();
+        break;
+      default:  // unknown conversion: written as it stands
+        m_out += L'%';
+        m_out += spec.type;
+        break;
+    }
+  }
+
+  std::string NarrowSpec(const Spec& spec, const char* length, char type) const {
+    std::string f = "%" + spec.flags;
+    if (spec.width >= 0) f += std::to_string(spec.width);
+    if (spec.precision >= 0) f += "." + std::to_string(spec.precision);
+    f += length;
+    f += type;
+    return f;
+  }
+
+  template <typename T>
+  void AppendPrintf(const std::string& fmt, T value) {
+    char buffer[512];
+    int n = std::snprintf(buffer, sizeof buffer, fmt.c_str(), value);
+    if (n < 0) return;
+    if (static_cast<size_t>(n) < sizeof buffer) {
+      for (int i = 0; i < n; ++i) m_out += static_cast<wchar_t>(static_cast<unsigned char>(buffer[i]));
+      return;
+    }
+    std::string big(static_cast<size_t>(n) + 1, '\0');
+    std::snprintf(big.data(), big.size(), fmt.c_str(), value);
+    for (int i = 0; i < n; ++i) m_out += static_cast<wchar_t>(static_cast<unsigned char>(big[i]));
+  }
+
+  void EmitSigned(const Spec& spec) {
+    const FormatArg* a = Next();
+    if (!a) return;
+    long long v = a->AsSigned();
+    switch (spec.size) {
+      case Width::Char: v = static_cast<signed char>(v); break;
+      case Width::Short: v = static_cast<short>(v); break;
+      case Width::Default: case Width::Long32: v = static_cast<std::int32_t>(v); break;
+      case Width::Long64: break;
+    }
+    AppendPrintf(NarrowSpec(spec, "ll", 'd'), v);
+  }
+
+  void EmitUnsigned(const Spec& spec) {
+    const FormatArg* a = Next();
+    if (!a) return;
+    unsigned long long v = a->AsUnsigned();
+    switch (spec.size) {
+      case Width::Char: v = static_cast<unsigned char>(v); break;
+      case Width::Short: v = static_cast<unsigned short>(v); break;
+      case Width::Default: case Width::Long32: v = static_cast<std::uint32_t>(v); break;
+      case Width::Long64: break;
+    }
+    AppendPrintf(NarrowSpec(spec, "ll", static_cast<char>(spec.type)), v);
+  }
+
+  void EmitDouble(const Spec& spec) {
+    const FormatArg* a = Next();
+    if (!a) return;
+    AppendPrintf(NarrowSpec(spec, "", static_cast<char>(spec.type)), a->AsDouble());
+  }
+
+  void EmitPointer(const Spec& spec) {
+    const FormatArg* a = Next();
+    if (!a) return;
+    // Windows prints pointers as zero-padded upper-case hexadecimal.
+    Spec hex = spec;
+    hex.type = L'X';
+    hex.flags += '0';
+    if (hex.width < 0) hex.width = static_cast<int>(2 * sizeof(void*));
+    AppendPrintf(NarrowSpec(hex, "ll", 'X'),
+                 static_cast<unsigned long long>(reinterpret_cast<std::uintptr_t>(a->AsPointer())));
+  }
+
+  void Pad(std::wstring_view text, const Spec& spec) {
+    const bool left = spec.flags.find('-') != std::string::npos;
+    const size_t width = spec.width > 0 ? static_cast<size_t>(spec.width) : 0;
+    const size_t fill = width > text.size() ? width - text.size() : 0;
+    const wchar_t padChar = (!left && spec.flags.find('0') != std::string::npos) ? L'0' : L' ';
+    if (!left) m_out.append(fill, padChar);
+    m_out += text;
+    if (left) m_out.append(fill, L' ');
+  }
+
+  bool WantsNarrow(const Spec& spec, wchar_t narrowLetter) const {
+    if (spec.narrowOverride) return true;
+    if (spec.wideOverride) return false;
+    return spec.type == narrowLetter;
+  }
+
+  void EmitChar(const Spec& spec) {
+    const FormatArg* a = Next();
+    if (!a) return;
+    wchar_t c = WantsNarrow(spec, L'C') ? static_cast<wchar_t>(static_cast<unsigned char>(a->AsSigned()))
+                                        : static_cast<wchar_t>(a->AsSigned());
+    Pad(std::wstring_view(&c, 1), spec);
+  }
+
+  void EmitString(const Spec& spec) {
+    const FormatArg* a = Next();
+    if (!a) return;
+    std::wstring text;
+    if (a->GetKind() == FormatArg::Kind::Wide) {
+      text = a->AsWide() ? a->AsWide() : L"(null)";
+    } else if (a->GetKind() == FormatArg::Kind::Narrow) {
+      text = a->AsNarrow() ? Utf8ToWide(a->AsNarrow()) : L"(null)";
+    } else if (a->GetKind() == FormatArg::Kind::Pointer && !a->AsPointer()) {
+      text = L"(null)";
+    }
+    // The argument's own type decides how its text is read; the letter case
+    // only matters for raw pointers, which carry no type.
+    if (spec.precision >= 0 && text.size() > static_cast<size_t>(spec.precision))
+      text.resize(static_cast<size_t>(spec.precision));
+    Pad(text, spec);
+  }
+
+  const wchar_t* m_p;
+  std::span<const FormatArg> m_args;
+  size_t m_next = 0;
+  std::wstring m_out;
+};
+
+}  // namespace
+
+std::wstring FormatWide(const wchar_t* format, std::span<const FormatArg> args) {
+  return Formatter(format, args).Run();
+}
+
+}  // namespace KarvelUI
