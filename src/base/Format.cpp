@@ -171,9 +171,13 @@ class Formatter {
   }
 
   std::string NarrowSpec(const Spec& spec, const char* length, char type) const {
-    std::string f = "%" + spec.flags;
+    std::string f(1, '%');
+    f += spec.flags;
     if (spec.width >= 0) f += std::to_string(spec.width);
-    if (spec.precision >= 0) f += "." + std::to_string(spec.precision);
+    if (spec.precision >= 0) {
+      f += '.';
+      f += std::to_string(spec.precision);
+    }
     f += length;
     f += type;
     return f;
