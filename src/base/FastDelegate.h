@@ -72,7 +72,12 @@ class DelegateBase {
   static R CallMember(void* object, const unsigned char* fn, Params... params) {
     M method;
     std::memcpy(&method, fn, sizeof(M));
+    // The optimiser cannot see that a class without virtual functions is
+    // never dispatched through a vtable and warns about reading one.
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Warray-bounds"
     return (static_cast<C*>(object)->*method)(std::forward<Params>(params)...);
+#pragma GCC diagnostic pop
   }
   static R CallFree(void*, const unsigned char* fn, Params... params) {
     R (*function)(Params...);
