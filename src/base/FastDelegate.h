@@ -76,6 +76,7 @@ class DelegateBase {
     // never dispatched through a vtable and warns about reading one.
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Warray-bounds"
+#pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
     return (static_cast<C*>(object)->*method)(std::forward<Params>(params)...);
 #pragma GCC diagnostic pop
   }
