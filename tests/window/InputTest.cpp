@@ -1,0 +1,365 @@
+#include <cstring>
+
+#include "WindowTestSupport.h"
+
+using namespace KarvelUI;
+using namespace KarvelTest;
+
+namespace {
+
+constexpr UINT kMouse[] = {WM_MOUSEMOVE, WM_LBUTTONDOWN, WM_LBUTTONUP, WM_LBUTTONDBLCLK, WM_RBUTTONDOWN,
+                           WM_RBUTTONUP, WM_MOUSEWHEEL, WM_MOUSEHOVER, WM_MOUSELEAVE};
+
+void RecordMouse(RecordingWnd& wnd) { wnd.only.assign(std::begin(kMouse), std::end(kMouse)); }
+
+}  // namespace
+
+// --- mouse ------------------------------------------------------------------------------------
+
+TEST(MouseInput, MovesAndClicksCarryKeyFlagsAndClientPoints) {
+  RecordingWnd wnd;
+  RecordMouse(wnd);
+  ASSERT_TRUE(MakeWindow(wnd, CRect(100, 100, 300, 200), WS_POPUP | WS_VISIBLE));
+  PushKey(wnd.m_hWnd, SDL_SCANCODE_LSHIFT, true);
+  PushMotion(wnd.m_hWnd, 10, 20);
+  PushButton(wnd.m_hWnd, 11, 21, true);
+  PushMotion(wnd.m_hWnd, 12, 22, SDL_BUTTON_LMASK);
+  PushButton(wnd.m_hWnd, 13, 23, false);
+  PumpAll();
+  ASSERT_EQ(wnd.Messages(), (std::vector<UINT>{WM_MOUSEMOVE, WM_LBUTTONDOWN, WM_MOUSEMOVE, WM_LBUTTONUP}));
+  EXPECT_EQ(PointOf(wnd.log[0].lParam), CPoint(10, 20));
+  EXPECT_EQ(wnd.log[0].wParam, MK_SHIFT);
+  EXPECT_EQ(wnd.log[1].wParam, MK_SHIFT | MK_LBUTTON);
+  EXPECT_EQ(wnd.log[2].wParam, MK_SHIFT | MK_LBUTTON);
+  EXPECT_EQ(PointOf(wnd.log[3].lParam), CPoint(13, 23));
+  EXPECT_EQ(wnd.log[3].wParam, MK_SHIFT);
+  PushKey(wnd.m_hWnd, SDL_SCANCODE_LSHIFT, false);
+  PumpAll();
+  CPoint cursor;
+  ASSERT_TRUE(GetCursorPos(&cursor));
+  EXPECT_EQ(cursor, CPoint(113, 123));
+}
+
+TEST(MouseInput, ConsecutiveMovesAreMergedIntoTheLatest) {
+  RecordingWnd wnd;
+  RecordMouse(wnd);
+  ASSERT_TRUE(MakeWindow(wnd, CRect(0, 0, 100, 100), WS_POPUP | WS_VISIBLE));
+  for (int i = 1; i <= 5; ++i) PushMotion(wnd.m_hWnd, i, i);
+  PumpAll();
+  ASSERT_EQ(wnd.log.size(), 1u);
+  EXPECT_EQ(PointOf(wnd.log[0].lParam), CPoint(5, 5));
+}
+
+TEST(MouseInput, DoubleClicksNeedTheClassStyle) {
+  const wchar_t* plainClass = L"KarvelTestNoDoubleClicks";
+  WNDCLASSW cls;
+  cls.lpszClassName = plainClass;
+  AfxRegisterClass(&cls);
+  RecordingWnd with, without;
+  RecordMouse(with);
+  RecordMouse(without);
+  ASSERT_TRUE(MakeWindow(with, CRect(0, 0, 50, 50), WS_POPUP | WS_VISIBLE));
+  ASSERT_TRUE(without.CreateEx(0, plainClass, L"", WS_POPUP | WS_VISIBLE, CRect(100, 0, 150, 50), nullptr, 0));
+  for (RecordingWnd* wnd : {&with, &without}) {
+    PushButton(wnd->m_hWnd, 5, 5, true, SDL_BUTTON_LEFT, 1);
+    PushButton(wnd->m_hWnd, 5, 5, false, SDL_BUTTON_LEFT, 1);
+    PushButton(wnd->m_hWnd, 5, 5, true, SDL_BUTTON_LEFT, 2);
+    PushButton(wnd->m_hWnd, 5, 5, false, SDL_BUTTON_LEFT, 2);
+    PushButton(wnd->m_hWnd, 5, 5, true, SDL_BUTTON_LEFT, 3);
+  }
+  PumpAll();
+  EXPECT_EQ(with.Messages(),
+            (std::vector<UINT>{WM_LBUTTONDOWN, WM_LBUTTONUP, WM_LBUTTONDBLCLK, WM_LBUTTONUP, WM_LBUTTONDOWN}));
+  EXPECT_EQ(without.Messages(),
+            (std::vector<UINT>{WM_LBUTTONDOWN, WM_LBUTTONUP, WM_LBUTTONDOWN, WM_LBUTTONUP, WM_LBUTTONDOWN}));
+}
+
+TEST(MouseInput, WheelGives120PerNotchWithTheScreenPoint) {
+  RecordingWnd wnd;
+  RecordMouse(wnd);
+  ASSERT_TRUE(MakeWindow(wnd, CRect(40, 50, 240, 250), WS_POPUP | WS_VISIBLE));
+  PushWheel(wnd.m_hWnd, 10, 20, 1.0f);
+  PushWheel(wnd.m_hWnd, 10, 20, 2.0f, true);
+  PumpAll();
+  ASSERT_EQ(wnd.log.size(), 2u);
+  EXPECT_EQ(GET_WHEEL_DELTA_WPARAM(wnd.log[0].wParam), 120);
+  EXPECT_EQ(GET_WHEEL_DELTA_WPARAM(wnd.log[1].wParam), -240);
+  EXPECT_EQ(CPoint::FromLParam(wnd.log[0].lParam), CPoint(50, 70));
+}
+
+TEST(MouseInput, ACapturedWindowGetsMovesOutsideItselfAsUnsignedClientPoints) {
+  RecordingWnd captor, other;
+  RecordMouse(captor);
+  RecordMouse(other);
+  ASSERT_TRUE(MakeWindow(captor, CRect(100, 100, 200, 200), WS_POPUP | WS_VISIBLE));
+  ASSERT_TRUE(MakeWindow(other, CRect(300, 100, 400, 200), WS_POPUP | WS_VISIBLE));
+  EXPECT_EQ(SetCapture(captor.m_hWnd), nullptr);
+  EXPECT_EQ(GetCapture(), captor.m_hWnd);
+  PushMotion(captor.m_hWnd, -5, -7);  // left of and above the captor
+  PumpAll();
+  PushMotion(other.m_hWnd, 10, 10);  // over another of our windows
+  PushButton(other.m_hWnd, 10, 10, true);
+  PumpAll();
+  EXPECT_TRUE(other.log.empty());
+  ASSERT_EQ(captor.Messages(), (std::vector<UINT>{WM_MOUSEMOVE, WM_MOUSEMOVE, WM_LBUTTONDOWN}));
+  EXPECT_EQ(PointOf(captor.log[0].lParam), CPoint(65531, 65529));
+  EXPECT_EQ(PointOf(captor.log[1].lParam), CPoint(210, 10));
+
+  EXPECT_TRUE(ReleaseCapture());
+  EXPECT_EQ(GetCapture(), nullptr);
+  PushMotion(other.m_hWnd, 11, 11);
+  PumpAll();
+  EXPECT_EQ(other.Messages(), std::vector<UINT>{WM_MOUSEMOVE});
+}
+
+TEST(MouseInput, CaptureChangesAreAnnounced) {
+  RecordingWnd a, b;
+  a.only = b.only = {WM_CAPTURECHANGED};
+  ASSERT_TRUE(MakeWindow(a, CRect(0, 0, 10, 10), WS_POPUP | WS_VISIBLE));
+  ASSERT_TRUE(MakeWindow(b, CRect(0, 0, 10, 10), WS_POPUP | WS_VISIBLE));
+  a.SetCapture();
+  EXPECT_EQ(SetCapture(b.m_hWnd), a.m_hWnd);
+  ASSERT_EQ(a.log.size(), 1u);
+  EXPECT_EQ(reinterpret_cast<HWND>(a.log[0].lParam), b.m_hWnd);
+  b.ShowWindow(SW_HIDE);
+  EXPECT_EQ(GetCapture(), nullptr);
+  EXPECT_EQ(b.log.size(), 1u);
+}
+
+TEST(MouseInput, DisabledWindowsGetNoInputAndClicksActivate) {
+  RecordingWnd a, b;
+  RecordMouse(a);
+  b.only = {WM_ACTIVATE, WM_LBUTTONDOWN};
+  ASSERT_TRUE(MakeWindow(a, CRect(0, 0, 50, 50), WS_POPUP | WS_VISIBLE | WS_DISABLED));
+  ASSERT_TRUE(MakeWindow(b, CRect(100, 0, 150, 50), WS_POPUP | WS_VISIBLE));
+  PushButton(a.m_hWnd, 5, 5, true);
+  PushMotion(a.m_hWnd, 6, 6);
+  PumpAll();
+  EXPECT_TRUE(a.log.empty());
+
+  SetActiveWindow(nullptr);
+  b.log.clear();
+  PushButton(b.m_hWnd, 5, 5, true);
+  PumpAll();
+  ASSERT_EQ(b.Messages(), (std::vector<UINT>{WM_ACTIVATE, WM_LBUTTONDOWN}));
+  EXPECT_EQ(LOWORD(b.log[0].wParam), WA_CLICKACTIVE);
+}
+
+TEST(MouseInput, CaptionPressesBelongToTheDesktopNotTheClient) {
+  class Captioned : public RecordingWnd {
+    LRESULT OnNcHitTest(CPoint screen) override {
+      CPoint p = screen;
+      ScreenToClient(&p);
+      return p.y < 10 ? HTCAPTION : HTCLIENT;
+    }
+  } wnd;
+  RecordMouse(wnd);
+  ASSERT_TRUE(MakeWindow(wnd, CRect(0, 0, 50, 50), WS_POPUP | WS_VISIBLE));
+  PushButton(wnd.m_hWnd, 5, 5, true);
+  PushButton(wnd.m_hWnd, 5, 20, true);
+  PumpAll();
+  ASSERT_EQ(wnd.Messages(), std::vector<UINT>{WM_LBUTTONDOWN});
+  EXPECT_EQ(PointOf(wnd.log[0].lParam), CPoint(5, 20));
+}
+
+// --- hover and leave -------------------------------------------------------------------------------
+
+TEST(MouseTracking, HoverAndLeaveArriveOnceEach) {
+  ManualClock clock;
+  RecordingWnd wnd, other;
+  wnd.only = {WM_MOUSEHOVER, WM_MOUSELEAVE};
+  ASSERT_TRUE(MakeWindow(wnd, CRect(0, 0, 100, 100), WS_POPUP | WS_VISIBLE));
+  ASSERT_TRUE(MakeWindow(other, CRect(200, 0, 300, 100), WS_POPUP | WS_VISIBLE));
+  PushMotion(wnd.m_hWnd, 30, 40);
+  PumpAll();
+  TRACKMOUSEEVENT track;
+  track.dwFlags = TME_HOVER | TME_LEAVE;
+  track.hwndTrack = wnd.m_hWnd;
+  track.dwHoverTime = HOVER_DEFAULT;
+  ASSERT_TRUE(TrackMouseEvent(&track));
+
+  clock.Advance(399);
+  PumpAll();
+  EXPECT_TRUE(wnd.log.empty());
+  PushMotion(wnd.m_hWnd, 32, 38);  // within the hover rectangle: the wait goes on
+  clock.Advance(1);
+  PumpAll();
+  ASSERT_EQ(wnd.Messages(), std::vector<UINT>{WM_MOUSEHOVER});
+  EXPECT_EQ(PointOf(wnd.log[0].lParam), CPoint(32, 38));
+  clock.Advance(1000);
+  PumpAll();
+  EXPECT_EQ(wnd.log.size(), 1u);
+
+  PushMotion(other.m_hWnd, 5, 5);
+  PushMotion(other.m_hWnd, 6, 6);
+  PumpAll();
+  PushMotion(wnd.m_hWnd, 10, 10);
+  PushMotion(other.m_hWnd, 7, 7);
+  PumpAll();
+  EXPECT_EQ(wnd.Messages(), (std::vector<UINT>{WM_MOUSEHOVER, WM_MOUSELEAVE}));
+}
+
+TEST(MouseTracking, MovingOutOfTheHoverRectangleRestartsTheWait) {
+  ManualClock clock;
+  RecordingWnd wnd;
+  wnd.only = {WM_MOUSEHOVER, WM_MOUSELEAVE};
+  ASSERT_TRUE(MakeWindow(wnd, CRect(0, 0, 100, 100), WS_POPUP | WS_VISIBLE));
+  PushMotion(wnd.m_hWnd, 30, 40);
+  PumpAll();
+  TRACKMOUSEEVENT track;
+  track.dwFlags = TME_HOVER;
+  track.hwndTrack = wnd.m_hWnd;
+  track.dwHoverTime = 100;
+  TrackMouseEvent(&track);
+  clock.Advance(90);
+  PushMotion(wnd.m_hWnd, 40, 40);
+  PumpAll();
+  clock.Advance(90);
+  PumpAll();
+  EXPECT_TRUE(wnd.log.empty());
+  clock.Advance(10);
+  PumpAll();
+  EXPECT_EQ(wnd.Messages(), std::vector<UINT>{WM_MOUSEHOVER});
+}
+
+TEST(MouseTracking, LeaveComesAtOnceWhenTheCursorIsElsewhereAndCancelStopsIt) {
+  RecordingWnd wnd, other;
+  wnd.only = {WM_MOUSELEAVE};
+  ASSERT_TRUE(MakeWindow(wnd, CRect(0, 0, 100, 100), WS_POPUP | WS_VISIBLE));
+  ASSERT_TRUE(MakeWindow(other, CRect(200, 0, 300, 100), WS_POPUP | WS_VISIBLE));
+  PushMotion(other.m_hWnd, 5, 5);
+  PumpAll();
+  TRACKMOUSEEVENT track;
+  track.dwFlags = TME_LEAVE;
+  track.hwndTrack = wnd.m_hWnd;
+  TrackMouseEvent(&track);
+  PumpAll();
+  EXPECT_EQ(wnd.Messages(), std::vector<UINT>{WM_MOUSELEAVE});
+
+  wnd.log.clear();
+  PushMotion(wnd.m_hWnd, 5, 5);
+  PumpAll();
+  TrackMouseEvent(&track);
+  track.dwFlags = TME_LEAVE | TME_CANCEL;
+  TrackMouseEvent(&track);
+  PushMotion(other.m_hWnd, 5, 5);
+  PumpAll();
+  EXPECT_TRUE(wnd.log.empty());
+}
+
+// --- keyboard -------------------------------------------------------------------------------------
+
+TEST(KeyboardInput, KeysArriveAsVirtualKeysWithTheirBits) {
+  RecordingWnd wnd;
+  wnd.only = {WM_KEYDOWN, WM_KEYUP, WM_SYSKEYDOWN, WM_SYSKEYUP};
+  ASSERT_TRUE(MakeWindow(wnd, CRect(0, 0, 10, 10), WS_POPUP | WS_VISIBLE));
+  PushKey(wnd.m_hWnd, SDL_SCANCODE_ESCAPE, true);
+  PushKey(wnd.m_hWnd, SDL_SCANCODE_ESCAPE, true, true);
+  PushKey(wnd.m_hWnd, SDL_SCANCODE_ESCAPE, false);
+  PushKey(wnd.m_hWnd, SDL_SCANCODE_LEFT, true);
+  PushKey(wnd.m_hWnd, SDL_SCANCODE_A, true);
+  PushKey(wnd.m_hWnd, SDL_SCANCODE_TAB, true);
+  PushKey(wnd.m_hWnd, SDL_SCANCODE_LALT, true);
+  PushKey(wnd.m_hWnd, SDL_SCANCODE_F4, true);
+  PushKey(wnd.m_hWnd, SDL_SCANCODE_F4, false);
+  PushKey(wnd.m_hWnd, SDL_SCANCODE_LALT, false);
+  PumpAll();
+  ASSERT_EQ(wnd.Messages(), (std::vector<UINT>{WM_KEYDOWN, WM_KEYDOWN, WM_KEYUP, WM_KEYDOWN, WM_KEYDOWN, WM_KEYDOWN,
+                                               WM_SYSKEYDOWN, WM_SYSKEYDOWN, WM_SYSKEYUP, WM_SYSKEYUP}));
+  const auto& log = wnd.log;
+  EXPECT_EQ(log[0].wParam, static_cast<WPARAM>(VK_ESCAPE));
+  EXPECT_EQ(log[0].lParam, 0x00010001);                          // one press, scan code 1
+  EXPECT_EQ(log[1].lParam, 0x40010001);                          // held: previous state down
+  EXPECT_EQ(static_cast<DWORD>(log[2].lParam), 0xC0010001u);     // released
+  EXPECT_EQ(log[3].wParam, static_cast<WPARAM>(VK_LEFT));
+  EXPECT_EQ(log[3].lParam, 0x014B0001);                          // extended key
+  EXPECT_EQ(log[4].wParam, static_cast<WPARAM>('A'));
+  EXPECT_EQ(log[5].wParam, static_cast<WPARAM>(VK_TAB));
+  EXPECT_EQ(log[7].wParam, static_cast<WPARAM>(VK_F4));
+  EXPECT_TRUE(log[7].lParam & (1 << 29));                        // with Alt
+}
+
+TEST(KeyboardInput, KeyStateFollowsRetrievedMessagesAndTellsTheShiftKeysApart) {
+  RecordingWnd wnd;
+  ASSERT_TRUE(MakeWindow(wnd, CRect(0, 0, 10, 10), WS_POPUP | WS_VISIBLE));
+  PushKey(wnd.m_hWnd, SDL_SCANCODE_RSHIFT, true);
+  MSG msg;
+  // Translated but not yet retrieved: the key state has not moved, the async state has.
+  ASSERT_TRUE(PeekMessageW(&msg, nullptr, WM_KEYDOWN, WM_KEYDOWN, PM_NOREMOVE));
+  EXPECT_GE(GetKeyState(VK_SHIFT), 0);
+  EXPECT_LT(GetAsyncKeyState(VK_RSHIFT), 0);
+  PumpAll();
+  EXPECT_LT(GetKeyState(VK_SHIFT), 0);
+  EXPECT_LT(GetKeyState(VK_RSHIFT), 0);
+  EXPECT_GE(GetKeyState(VK_LSHIFT), 0);
+  PushKey(wnd.m_hWnd, SDL_SCANCODE_LSHIFT, true);
+  PushKey(wnd.m_hWnd, SDL_SCANCODE_RSHIFT, false);
+  PumpAll();
+  EXPECT_LT(GetKeyState(VK_SHIFT), 0);
+  EXPECT_LT(GetKeyState(VK_LSHIFT), 0);
+  EXPECT_GE(GetKeyState(VK_RSHIFT), 0);
+  PushKey(wnd.m_hWnd, SDL_SCANCODE_LSHIFT, false);
+  PushButton(wnd.m_hWnd, 1, 1, true);
+  PumpAll();
+  EXPECT_GE(GetKeyState(VK_SHIFT), 0);
+  EXPECT_LT(GetKeyState(VK_LBUTTON), 0);
+  // The toggle bit flips with every press.
+  const short capsBefore = GetKeyState(VK_CAPITAL) & 1;
+  PushKey(wnd.m_hWnd, SDL_SCANCODE_CAPSLOCK, true);
+  PushKey(wnd.m_hWnd, SDL_SCANCODE_CAPSLOCK, false);
+  PumpAll();
+  EXPECT_NE(GetKeyState(VK_CAPITAL) & 1, capsBefore);
+}
+
+TEST(KeyboardInput, KeysGoToTheFocusWindowAndTextBecomesCharacters) {
+  RecordingWnd a, b;
+  a.only = b.only = {WM_KEYDOWN, WM_CHAR, WM_SETFOCUS, WM_KILLFOCUS};
+  ASSERT_TRUE(MakeWindow(a, CRect(0, 0, 10, 10), WS_POPUP | WS_VISIBLE));
+  ASSERT_TRUE(MakeWindow(b, CRect(0, 0, 10, 10), WS_POPUP | WS_VISIBLE));
+  a.SetFocus();
+  EXPECT_EQ(GetFocus(), a.m_hWnd);
+  ASSERT_EQ(b.Of(WM_KILLFOCUS).size(), 1u);
+  EXPECT_EQ(reinterpret_cast<HWND>(b.Of(WM_KILLFOCUS)[0].wParam), a.m_hWnd);
+  a.log.clear();
+  PushKey(b.m_hWnd, SDL_SCANCODE_RETURN, true);
+  SDL_Event text{};
+  text.type = SDL_TEXTINPUT;
+  text.text.windowID = SdlId(b.m_hWnd);
+  std::strcpy(text.text.text, "\xC3\xA9\xF0\x9F\x98\x80");  // é and an emoji
+  SDL_PushEvent(&text);
+  PumpAll();
+  EXPECT_TRUE(b.Of(WM_KEYDOWN).empty());
+  ASSERT_EQ(a.Messages(), (std::vector<UINT>{WM_KEYDOWN, WM_CHAR, WM_CHAR, WM_CHAR}));
+  EXPECT_EQ(a.log[1].wParam, 0xE9u);
+  EXPECT_EQ(a.log[2].wParam, 0xD83Du);  // surrogate pair, as UTF-16 programs expect
+  EXPECT_EQ(a.log[3].wParam, 0xDE00u);
+}
+
+// --- cursors ------------------------------------------------------------------------------------------
+
+TEST(Cursors, TheClassCursorIsSetOnEveryMoveAndAWindowMayChooseAnother) {
+  class Hand : public RecordingWnd {
+   public:
+    bool wantHand = false;
+    BOOL OnSetCursor(CWnd* wnd, UINT hit, UINT message) override {
+      if (!wantHand) return CWnd::OnSetCursor(wnd, hit, message);
+      SetCursor(LoadCursorW(nullptr, IDC_HAND));
+      return TRUE;
+    }
+  } wnd;
+  const HCURSOR arrow = LoadCursorW(nullptr, IDC_ARROW);
+  const HCURSOR hand = LoadCursorW(nullptr, IDC_HAND);
+  ASSERT_NE(arrow, nullptr);
+  ASSERT_NE(hand, nullptr);
+  EXPECT_NE(arrow, hand);
+  EXPECT_EQ(LoadCursorW(nullptr, MakeIntResource(1)), nullptr);
+  ASSERT_TRUE(MakeWindow(wnd, CRect(0, 0, 50, 50), WS_POPUP | WS_VISIBLE));
+  SetCursor(nullptr);
+  PushMotion(wnd.m_hWnd, 5, 5);
+  PumpAll();
+  EXPECT_EQ(GetCursor(), arrow);
+  wnd.wantHand = true;
+  PushMotion(wnd.m_hWnd, 6, 6);
+  PumpAll();
+  EXPECT_EQ(GetCursor(), hand);
+}
