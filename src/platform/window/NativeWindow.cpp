@@ -91,6 +91,9 @@ bool EnsureVideo() {
   if (g_videoStarted) return std::this_thread::get_id() == g_videoThread;
   SetVideoHints();
   if (SDL_InitSubSystem(SDL_INIT_VIDEO) != 0) return false;
+  // SDL unloads the GL driver with the last GL window; holding one reference
+  // for the process keeps it (and its compiled state) across windows.
+  SDL_GL_LoadLibrary(nullptr);
   g_videoStarted = true;
   g_videoThread = std::this_thread::get_id();
   ThreadQueue::Current()->SetEventSource(&DesktopEvents());

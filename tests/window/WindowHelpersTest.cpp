@@ -1,0 +1,134 @@
+#include "WindowTestSupport.h"
+#include "foundation/WindowHelpers.h"
+#include "platform/window/Clipboard.h"
+
+using namespace KarvelUI;
+using namespace KarvelTest;
+
+namespace {
+
+std::string DesktopClipboardText() {
+  char* text = SDL_GetClipboardText();
+  std::string result = text ? text : "";
+  SDL_free(text);
+  return result;
+}
+
+std::vector<BYTE> Utf16Bytes(std::u16string text) {
+  std::vector<BYTE> bytes;
+  for (char16_t unit : text) {
+    bytes.push_back(static_cast<BYTE>(unit & 0xFF));
+    bytes.push_back(static_cast<BYTE>(unit >> 8));
+  }
+  return bytes;
+}
+
+}  // namespace
+
+TEST(ClipboardHelpers, TextRoundTripsAsUtf16UnderThePlainTextId) {
+  ASSERT_TRUE(detail::EnsureVideo());
+  const CString text(L"Gr\u00fc\u00dfe \u6f22\u5b57 \U0001F600");
+  CopyTextToClipborder(text);
+  EXPECT_EQ(DesktopClipboardText(), text.ToUtf8());
+  std::vector<BYTE> data;
+  ASSERT_TRUE(GetClipboardData(CF_TEXT, data));
+  std::vector<BYTE> expected = Utf16Bytes(u"Gr\u00fc\u00dfe \u6f22\u5b57 \U0001F600");
+  expected.insert(expected.end(), {0, 0});
+  EXPECT_EQ(data, expected);
+
+  // An empty text leaves the clipboard alone; text from another program reads back as UTF-16.
+  CopyTextToClipborder(CString());
+  EXPECT_EQ(DesktopClipboardText(), text.ToUtf8());
+  SDL_SetClipboardText("elsewhere");
+  ASSERT_TRUE(GetClipboardData(CF_UNICODETEXT, data));
+  expected = Utf16Bytes(u"elsewhere");
+  expected.insert(expected.end(), {0, 0});
+  EXPECT_EQ(data, expected);
+}
+
+TEST(ClipboardHelpers, FileDropBlockHasTheExactLayout) {
+  CStringArray files;
+  files.Add(L"\\home\\me\\a b.jpg");
+  files.Add(L"\u00e9");
+  const std::vector<BYTE> block = BuildFileDropBlock(files);
+  std::vector<BYTE> expected = {20, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 1, 0, 0, 0};
+  const std::vector<BYTE> first = Utf16Bytes(u"\\home\\me\\a b.jpg");
+  expected.insert(expected.end(), first.begin(), first.end());
+  expected.insert(expected.end(), {0, 0, 0xE9, 0, 0, 0, 0, 0});
+  EXPECT_EQ(block, expected);
+  EXPECT_EQ(block.size(), 20u + (2 * 16 + 2) + (2 * 1 + 2) + 2);
+  EXPECT_EQ(BuildFileDropBlock(CStringArray()).size(), 22u);
+}
+
+TEST(ClipboardHelpers, FilesGoOnTheClipboardWithTheirDropEffect) {
+  ASSERT_TRUE(detail::EnsureVideo());
+  CStringArray files;
+  files.Add(L"\\home\\me\\a b.jpg");
+  files.Add(L"\\tmp\\\u00e9.png");
+  const UINT effectFormat = RegisterClipboardFormatW(L"Preferred DropEffect");
+  EXPECT_GE(effectFormat, 0xC000u);
+  EXPECT_EQ(RegisterClipboardFormatW(L"preferred dropeffect"), effectFormat);
+
+  CopyFilesToClipBoard(files, TRUE);
+  std::vector<BYTE> data;
+  ASSERT_TRUE(GetClipboardData(effectFormat, data));
+  EXPECT_EQ(data, (std::vector<BYTE>{1, 0, 0, 0}));
+  ASSERT_TRUE(GetClipboardData(CF_HDROP, data));
+  EXPECT_EQ(data, BuildFileDropBlock(files));
+  EXPECT_EQ(DesktopClipboardText(), "file:///home/me/a%20b.jpg\r\nfile:///tmp/%C3%A9.png\r\n");
+
+  CopyFilesToClipBoard(files, FALSE);
+  ASSERT_TRUE(GetClipboardData(effectFormat, data));
+  EXPECT_EQ(data, (std::vector<BYTE>{2, 0, 0, 0}));
+
+  // Another program taking the clipboard makes the file list go away.
+  SDL_SetClipboardText("elsewhere");
+  EXPECT_FALSE(IsClipboardFormatAvailable(CF_HDROP));
+  EXPECT_TRUE(IsClipboardFormatAvailable(CF_TEXT));
+}
+
+TEST(ClipboardHelpers, DataNeedsAnOpenClipboard) {
+  ASSERT_TRUE(detail::EnsureVideo());
+  EXPECT_FALSE(SetClipboardData(CF_TEXT, {65, 0, 0, 0}));
+  ASSERT_TRUE(OpenClipboard(nullptr));
+  EXPECT_FALSE(OpenClipboard(nullptr));
+  EXPECT_TRUE(CloseClipboard());
+  EXPECT_FALSE(CloseClipboard());
+}
+
+TEST(WindowHelpers, TransparencyMakesTheWindowLayeredWithoutActivatingIt) {
+  RecordingWnd wnd, other;
+  ASSERT_TRUE(MakeWindow(wnd, CRect(0, 0, 10, 10), WS_POPUP | WS_VISIBLE));
+  ASSERT_TRUE(MakeWindow(other, CRect(0, 0, 10, 10), WS_POPUP | WS_VISIBLE));
+  EXPECT_EQ(MakeWindowTransparent(wnd.m_hWnd, L'\x32'), 0u);  // 50 %
+  EXPECT_TRUE(wnd.GetExStyle() & WS_EX_LAYERED);
+  EXPECT_EQ(GetActiveWindow(), other.m_hWnd);
+  COLORREF key = 0;
+  BYTE alpha = 0;
+  DWORD flags = 0;
+  ASSERT_TRUE(GetLayeredWindowAttributes(wnd.m_hWnd, &key, &alpha, &flags));
+  EXPECT_EQ(alpha, 127);
+  EXPECT_EQ(flags, LWA_ALPHA);
+
+  EXPECT_EQ(MakeWindowTransparent(wnd.m_hWnd, L'\x50', RGB(9, 8, 7)), 1u);  // 80 %
+  ASSERT_TRUE(GetLayeredWindowAttributes(wnd.m_hWnd, &key, &alpha, &flags));
+  EXPECT_EQ(alpha, 204);
+  EXPECT_EQ(key, RGB(9, 8, 7));
+  EXPECT_EQ(flags, LWA_ALPHA | LWA_COLORKEY);
+  EXPECT_EQ(MakeWindowTransparent(nullptr, L'\x50', 0), 0u);
+}
+
+TEST(WindowHelpers, MinimisedAndMaximisedFollowTheStyleBits) {
+  RecordingWnd wnd;
+  ASSERT_TRUE(MakeWindow(wnd, CRect(0, 0, 10, 10), WS_POPUP | WS_VISIBLE));
+  EXPECT_FALSE(IsWndMinimized(wnd.m_hWnd));
+  EXPECT_FALSE(IsWndMaximized(wnd.m_hWnd));
+  wnd.ShowWindow(SW_MAXIMIZE);
+  EXPECT_TRUE(IsWndMaximized(wnd.m_hWnd));
+  wnd.ShowWindow(SW_MINIMIZE);
+  EXPECT_TRUE(IsWndMinimized(wnd.m_hWnd));
+  wnd.ShowWindow(SW_RESTORE);
+  EXPECT_FALSE(IsWndMinimized(wnd.m_hWnd));
+  EXPECT_TRUE(IsWndMaximized(wnd.m_hWnd));
+  EXPECT_FALSE(IsWndMinimized(nullptr));
+}
