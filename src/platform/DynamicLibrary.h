@@ -1,0 +1,47 @@
+#pragma once
+
+// Loading shared libraries by the names the design uses. "X.dll" names the
+// library "libX.so"; a bare name is looked for next to this library first,
+// then next to the program. A name with a folder is used in that folder only.
+
+#include <string>
+#include <vector>
+
+#include "base/CString.h"
+#include "base/Export.h"
+
+namespace KarvelUI {
+
+// "ZorImgUtil.dll" -> "libZorImgUtil.so"; the folder part, if any, is kept
+// (library form). A name that already ends in ".so" is left alone.
+KARVELUI_API CString MapLibraryName(const CString& name);
+// The native paths a name is tried at, in order.
+KARVELUI_API std::vector<std::string> LibraryCandidatePaths(const CString& name);
+
+class KARVELUI_API DynamicLibrary {
+ public:
+  DynamicLibrary() = default;
+  ~DynamicLibrary() { Free(); }
+  DynamicLibrary(DynamicLibrary&& other) noexcept;
+  DynamicLibrary& operator=(DynamicLibrary&& other) noexcept;
+  DynamicLibrary(const DynamicLibrary&) = delete;
+  DynamicLibrary& operator=(const DynamicLibrary&) = delete;
+
+  // True when one of the candidate paths loaded.
+  bool Load(const CString& name);
+  void Free();
+  bool IsLoaded() const { return m_handle != nullptr; }
+  // The exported symbol, or null.
+  void* GetProcAddress(const char* symbol) const;
+  // The native path that was loaded, or empty.
+  const std::string& LoadedPath() const { return m_path; }
+  // The loader's message for the last failed Load.
+  const std::string& LastError() const { return m_error; }
+
+ private:
+  void* m_handle = nullptr;
+  std::string m_path;
+  std::string m_error;
+};
+
+}  // namespace KarvelUI

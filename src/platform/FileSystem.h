@@ -1,0 +1,42 @@
+#pragma once
+
+// File and folder operations on library paths (backslash form; converted
+// with ToNativePath where they reach the OS). Every operation reports
+// failure through its result and never throws.
+
+#include <cstdint>
+
+#include "base/CString.h"
+#include "base/Export.h"
+
+namespace KarvelUI {
+
+// Times are nanoseconds since 1970-01-01 UTC.
+struct FileStatus {
+  std::uint64_t size = 0;
+  // Birth time where the file system records one, else the last status
+  // change (POSIX has no creation time of its own).
+  std::int64_t creationTime = 0;
+  std::int64_t modificationTime = 0;
+  std::int64_t accessTime = 0;
+  bool isFolder = false;
+};
+
+KARVELUI_API bool PathExists(const CString& path);
+KARVELUI_API bool GetPathStatus(const CString& path, FileStatus& status);
+// Sets access and modification times; creation time cannot be set here.
+KARVELUI_API bool SetPathTimes(const CString& path, std::int64_t accessTime, std::int64_t modificationTime);
+KARVELUI_API bool RemoveFile(const CString& path);
+
+enum class CreateFolderResult { Created, AlreadyExists, Failed };
+// Creates one folder (its parent must exist).
+KARVELUI_API CreateFolderResult CreateFolder(const CString& path);
+// Creates the folder and any missing parents; true when it exists afterwards.
+KARVELUI_API bool CreateFolderTree(const CString& path);
+
+// Hiding is a file attribute on the design's platform; POSIX hides by a
+// leading dot in the name instead, which would rename the file. This is a
+// deliberate no-op that reports whether the path exists.
+KARVELUI_API bool SetHiddenAttribute(const CString& path, bool hidden);
+
+}  // namespace KarvelUI

@@ -1,0 +1,28 @@
+#pragma once
+
+// The operating-system version record the design reads. Its platform id
+// is never the NT one here, so code that branches on "NT 6.x" takes its
+// other path on this system.
+
+#include "base/Export.h"
+#include "base/Types.h"
+
+namespace KarvelUI {
+
+inline constexpr DWORD VER_PLATFORM_WIN32_NT = 2;
+// The id this platform reports: a POSIX system, not one of the design's.
+inline constexpr DWORD VER_PLATFORM_POSIX = 0x100;
+inline constexpr BYTE VER_NT_WORKSTATION = 1;
+
+struct OSVersionInfo {
+  DWORD platformId = 0;
+  BYTE productType = 0;
+  DWORD majorVersion = 0;
+  DWORD minorVersion = 0;
+};
+
+// The kernel release's first two numbers as major and minor version; false
+// when the system does not tell.
+KARVELUI_API bool GetOSVersionInfo(OSVersionInfo& info);
+
+}  // namespace KarvelUI
