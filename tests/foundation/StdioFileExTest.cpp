@@ -1,0 +1,100 @@
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "foundation/StdioFileEx.h"
+#include "platform/Paths.h"
+#include "support/TempDir.h"
+
+using namespace KarvelUI;
+using KarvelTest::TempDir;
+
+namespace {
+
+constexpr UINT kTextRead = CStdioFile::modeRead | CStdioFile::typeText | CStdioFile::shareDenyNone;
+
+CString Lib(const std::filesystem::path& p) { return FromNativePath(p.string()); }
+
+std::string Utf16Bytes(const std::u16string& text) {
+  std::string bytes;
+  for (char16_t u : text) {
+    bytes += static_cast<char>(u & 0xFF);
+    bytes += static_cast<char>(u >> 8);
+  }
+  return bytes;
+}
+
+std::vector<std::wstring> ReadAll(CStdioFileEx& file) {
+  std::vector<std::wstring> lines;
+  CString line;
+  while (file.ReadString(line)) lines.push_back(line.str());
+  return lines;
+}
+
+}  // namespace
+
+TEST(StdioFileEx, Utf16FileWithMarkReadsLinesWithoutMarkOrLineEnds) {
+  TempDir dir;
+  const auto path = dir.Write("u16.txt", "\xff\xfe" + Utf16Bytes(u"Caf\u00e9\r\n\U0001F600 \u5199\nend"));
+  CStdioFileEx file;
+  ASSERT_TRUE(file.Open(Lib(path), kTextRead));
+  EXPECT_TRUE(file.IsFileUnicodeText());
+  EXPECT_EQ(file.GetOpenFlags() & (CStdioFile::typeText | CStdioFile::typeBinary), CStdioFile::typeBinary);
+  EXPECT_EQ(ReadAll(file), (std::vector<std::wstring>{L"Caf\u00e9", L"\U0001F600 \u5199", L"end"}));
+
+  // Without the text flag nothing is probed: the bytes are narrow text.
+  CStdioFileEx raw;
+  ASSERT_TRUE(raw.Open(Lib(path), CStdioFile::modeRead));
+  EXPECT_FALSE(raw.IsFileUnicodeText());
+  CString first;
+  ASSERT_TRUE(raw.ReadString(first));
+  EXPECT_NE(first.Left(4), CString(L"Caf\u00e9"));
+}
+
+TEST(StdioFileEx, NarrowLinesEndsAndLongLinePieces) {
+  TempDir dir;
+  const std::string longLine(5000, 'L');
+  const auto path = dir.Write("n.txt", "\xef\xbb\xbfone\r\ntwo\r\r\n" + longLine + "\nlast");
+  CStdioFileEx file;
+  ASSERT_TRUE(file.Open(Lib(path), kTextRead));
+  EXPECT_FALSE(file.IsFileUnicodeText());
+  const auto lines = ReadAll(file);
+  ASSERT_EQ(lines.size(), 5u);
+  EXPECT_EQ(lines[0], L"\uFEFFone");  // a UTF-8 mark is not recognised
+  EXPECT_EQ(lines[1], L"two\r");
+  EXPECT_EQ(lines[2], std::wstring(4095, L'L'));
+  EXPECT_EQ(lines[3], std::wstring(905, L'L'));
+  EXPECT_EQ(lines[4], L"last");
+}
+
+TEST(StdioFileEx, WriteUnicodeMarksOnceAndNarrowUsesCodePage) {
+  TempDir dir;
+  const CString u16 = Lib(dir.Path() / "w16.txt");
+  {
+    CStdioFileEx file;
+    ASSERT_TRUE(file.Open(u16, CStdioFile::modeCreate | CStdioFile::modeWrite | CStdioFileEx::modeWriteUnicode));
+    ASSERT_TRUE(file.WriteString(L"A\u00e9\r\n"));
+    ASSERT_TRUE(file.WriteString(L"B"));
+  }
+  EXPECT_EQ(TempDir::Read(ToNativePath(u16)), "\xff\xfe" + Utf16Bytes(u"A\u00e9\r\nB"));
+  CStdioFileEx back;
+  ASSERT_TRUE(back.Open(u16, kTextRead));
+  EXPECT_EQ(ReadAll(back), (std::vector<std::wstring>{L"A\u00e9", L"B"}));
+
+  const CString narrow = Lib(dir.Path() / "latin.txt");
+  {
+    CStdioFileEx file;
+    file.SetCodePage(28591);
+    ASSERT_TRUE(file.Open(narrow, CStdioFile::modeCreate | CStdioFile::modeWrite));
+    ASSERT_TRUE(file.WriteString(L"\u00e9\u5199\r\n"));
+  }
+  EXPECT_EQ(TempDir::Read(ToNativePath(narrow)), "\xe9#\r\n");
+  const CString utf8 = Lib(dir.Path() / "utf8.txt");
+  {
+    CStdioFileEx file;
+    ASSERT_TRUE(file.Open(utf8, CStdioFile::modeCreate | CStdioFile::modeWrite));
+    ASSERT_TRUE(file.WriteString(L"\u5199\r\n"));
+  }
+  EXPECT_EQ(TempDir::Read(ToNativePath(utf8)), "\xe5\x86\x99\r\n");
+}
