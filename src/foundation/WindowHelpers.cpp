@@ -1,6 +1,9 @@
 #include "foundation/WindowHelpers.h"
 
+#include "foundation/Helpers.h"
+#include "platform/MessageBox.h"
 #include "platform/window/Clipboard.h"
+#include "platform/window/Shell.h"
 #include "platform/window/Wnd.h"
 
 namespace KarvelUI {
@@ -9,6 +12,7 @@ namespace {
 constexpr DWORD kDropEffectCopy = 1;
 constexpr DWORD kDropEffectMove = 2;
 constexpr DWORD kDropFilesHeaderSize = 20;
+constexpr INT_PTR kShellFailureLimit = 32;  // shell results up to this are failures
 
 void AppendDword(std::vector<BYTE>& out, DWORD value) {
   for (int shift = 0; shift < 32; shift += 8) out.push_back(static_cast<BYTE>((value >> shift) & 0xFF));
@@ -89,6 +93,23 @@ void CopyFilesToClipBoard(const CStringArray& files, BOOL copy) {
   SetClipboardData(dropEffectFormat, std::move(effect));
   SetClipboardData(CF_HDROP, std::move(drop));
   CloseClipboard();
+}
+
+void SafeOpenWeb(CString& url, int showCommand) {
+  CString scheme = url;
+  scheme.Trim();
+  scheme.MakeLower();
+  const bool https = scheme.Left(5) == L"https";
+  const bool legacyIsDefault = https ? IsUsingIEAsHttpsBrowser() : IsUsingIEAsHttpBrowser();
+  INT_PTR result = 0;
+  if (GetIEVersion() < 7.0f && legacyIsDefault)
+    result = ShellExecuteW(nullptr, L"open", kBrowserProgram, url, nullptr, showCommand);
+  else
+    result = ShellExecuteW(nullptr, L"open", url, nullptr, nullptr, showCommand);
+  if (result > kShellFailureLimit) return;
+  result = ShellExecuteW(nullptr, L"open", kBrowserProgram, url, nullptr, showCommand);
+  if (result > kShellFailureLimit) return;
+  MessageBoxW(nullptr, L"can't open iexplore.exe, please setup iexplore !", L"tips message!", MB_ICONINFORMATION);
 }
 
 }  // namespace KarvelUI

@@ -26,6 +26,10 @@ KARVELUI_API void CopyTextToClipborder(const CString& text);
 // Puts the files on the clipboard: the file-drop block under format 15 and
 // the drop effect (1 copy, 2 move) under "Preferred DropEffect".
 KARVELUI_API void CopyFilesToClipBoard(const CStringArray& files, BOOL copy);
+// Opens url in the browser: the legacy browser program directly when it is
+// older than 7.0 and the default for the URL's scheme, else the URL itself;
+// on failure the browser program once more, then a message box.
+KARVELUI_API void SafeOpenWeb(CString& url, int showCommand);
 // The file-drop block: a 20-byte header (list offset 20, drop point (0, 0),
 // non-client 0, wide 1), each path in UTF-16 with its terminator, then a
 // final terminator.

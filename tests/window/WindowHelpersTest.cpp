@@ -1,6 +1,8 @@
 #include "WindowTestSupport.h"
 #include "foundation/WindowHelpers.h"
+#include "platform/MessageBox.h"
 #include "platform/window/Clipboard.h"
+#include "platform/window/Shell.h"
 
 using namespace KarvelUI;
 using namespace KarvelTest;
@@ -131,4 +133,76 @@ TEST(WindowHelpers, MinimisedAndMaximisedFollowTheStyleBits) {
   EXPECT_FALSE(IsWndMinimized(wnd.m_hWnd));
   EXPECT_TRUE(IsWndMaximized(wnd.m_hWnd));
   EXPECT_FALSE(IsWndMinimized(nullptr));
+}
+
+// --- opening web pages ----------------------------------------------------------------------------
+
+namespace {
+
+struct ShellCall {
+  CString verb, file, parameters;
+  int show;
+  bool operator==(const ShellCall&) const = default;
+};
+
+// Captures shell requests and message boxes; the shell answers from a script.
+class ShellCapture {
+ public:
+  explicit ShellCapture(std::vector<bool> answers) : m_answers(std::move(answers)) {
+    m_previousShell = SetShellOpenHook([this](const CString& verb, const CString& file, const CString& params, int show) {
+      calls.push_back({verb, file, params, show});
+      return calls.size() <= m_answers.size() && m_answers[calls.size() - 1];
+    });
+    m_previousBox = SetMessageBoxHook([this](HWND owner, const CString& text, const CString& caption, UINT type) {
+      boxes.push_back({owner, text, caption, type});
+      return IDOK;
+    });
+  }
+  ~ShellCapture() {
+    SetShellOpenHook(m_previousShell);
+    SetMessageBoxHook(m_previousBox);
+  }
+  struct Box {
+    HWND owner;
+    CString text, caption;
+    UINT type;
+  };
+  std::vector<ShellCall> calls;
+  std::vector<Box> boxes;
+
+ private:
+  std::vector<bool> m_answers;
+  ShellOpenHook m_previousShell;
+  MessageBoxHook m_previousBox;
+};
+
+}  // namespace
+
+TEST(SafeOpenWeb, OpensTheUrlItselfWhenTheLegacyBrowserIsNotTheDefault) {
+  ShellCapture capture({true});
+  CString url(L"  HTTPS://example.org/a?b=1 ");
+  SafeOpenWeb(url, SW_SHOWNORMAL);
+  ASSERT_EQ(capture.calls.size(), 1u);
+  EXPECT_EQ(capture.calls[0], (ShellCall{L"open", url, L"", SW_SHOWNORMAL}));
+  EXPECT_TRUE(capture.boxes.empty());
+}
+
+TEST(SafeOpenWeb, FallsBackToTheBrowserProgramAndThenTellsTheUser) {
+  {
+    ShellCapture capture({false, true});
+    CString url(L"http://example.org");
+    SafeOpenWeb(url, SW_SHOW);
+    ASSERT_EQ(capture.calls.size(), 2u);
+    EXPECT_EQ(capture.calls[1], (ShellCall{L"open", L"IEXPLORE.EXE", url, SW_SHOW}));
+    EXPECT_TRUE(capture.boxes.empty());
+  }
+  ShellCapture capture({false, false});
+  CString url(L"http://example.org");
+  SafeOpenWeb(url, SW_SHOW);
+  EXPECT_EQ(capture.calls.size(), 2u);
+  ASSERT_EQ(capture.boxes.size(), 1u);
+  EXPECT_EQ(capture.boxes[0].owner, nullptr);
+  EXPECT_EQ(capture.boxes[0].text, L"can't open iexplore.exe, please setup iexplore !");
+  EXPECT_EQ(capture.boxes[0].caption, L"tips message!");
+  EXPECT_EQ(capture.boxes[0].type, MB_ICONINFORMATION);
 }

@@ -8,6 +8,7 @@
 #include <mutex>
 #include <string>
 
+#include "platform/Paths.h"
 #include "platform/window/NativeWindow.h"
 
 namespace KarvelUI {
@@ -96,10 +97,7 @@ std::string UriListFromDrop(const std::vector<BYTE>& block) {
       continue;
     }
     if (path.empty()) break;
-    std::string native = WideToUtf8(Utf16ToWide(path));
-    for (char& c : native)
-      if (c == '\\') c = '/';
-    list += "file://" + PercentEncode(native) + "\r\n";
+    list += "file://" + PercentEncode(ToNativePath(CString(Utf16ToWide(path)))) + "\r\n";
     path.clear();
   }
   return list;
