@@ -44,6 +44,25 @@ std::string Trimmed(const std::string& s) {
   return s.substr(first, s.find_last_not_of(" \t\r\n") - first + 1);
 }
 
+// Key-file string escapes: \s \n \t \r \\.
+std::string Unescaped(const std::string& value) {
+  std::string out;
+  for (size_t i = 0; i < value.size(); ++i) {
+    if (value[i] != '\\' || i + 1 == value.size()) {
+      out += value[i];
+      continue;
+    }
+    switch (const char c = value[++i]) {
+      case 's': out += ' '; break;
+      case 'n': out += '\n'; break;
+      case 't': out += '\t'; break;
+      case 'r': out += '\r'; break;
+      default: out += c; break;
+    }
+  }
+  return out;
+}
+
 // The value of key in [section] of an XDG key file (desktop entries and
 // mimeapps.list share the format).
 std::optional<std::string> ReadKeyFileValue(const std::string& path, const std::string& section,
@@ -61,7 +80,7 @@ std::optional<std::string> ReadKeyFileValue(const std::string& path, const std::
     }
     const size_t eq = line.find('=');
     if (inSection && eq != std::string::npos && Trimmed(line.substr(0, eq)) == key)
-      return Trimmed(line.substr(eq + 1));
+      return Unescaped(Trimmed(line.substr(eq + 1)));
   }
   return std::nullopt;
 }

@@ -1,0 +1,43 @@
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+
+#include "foundation/CommonString.h"
+#include "foundation/KarvelUIApp.h"
+#include "foundation/Trace.h"
+#include "platform/Paths.h"
+#include "support/TempDir.h"
+
+using namespace KarvelUI;
+using KarvelTest::TempDir;
+
+TEST(KarvelUIApp, StartUpRecordsAppPathAndTrimsTheLogShutDownReleasesIt) {
+  // A log left oversized by an earlier run.
+  const std::filesystem::path log = ToNativePath(ITrace_imp::DefaultPath());
+  if (g_ITrace) g_ITrace->Release();
+  std::filesystem::create_directories(log.parent_path());
+  std::string old(600000, 'o');
+  old.replace(old.size() - 250000, 250000, std::string(250000, 'n'));
+  {
+    std::ofstream out(log, std::ios::binary | std::ios::trunc);
+    out << old;
+  }
+  CommonString::FreeInstance();
+
+  CKarvelUIApp app;
+  ASSERT_TRUE(app.InitInstance());
+  EXPECT_EQ(ToNativePath(CommonString::GetInstance()->GetAppPath()), GetExecutableFolderNative() + "/");
+  ASSERT_NE(g_ITrace, nullptr);
+  EXPECT_EQ(g_ITrace, ITrace_imp::GetInstance());
+  EXPECT_EQ(TempDir::Read(log), std::string(250000, 'n'));
+
+  g_ITrace->Trace(2, 1, L"<ERROR> last words");
+  EXPECT_EQ(app.ExitInstance(), 0);
+  EXPECT_EQ(g_ITrace, nullptr);
+  EXPECT_EQ(app.ExitInstance(), 0);  // nothing left to release
+  const std::string content = TempDir::Read(log);
+  EXPECT_EQ(content.substr(content.size() - 20), "<ERROR> last words\r\n");
+  CommonString::FreeInstance();
+  ITrace_imp::GetInstance();  // later code in this process logs again
+}
