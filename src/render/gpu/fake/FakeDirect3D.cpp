@@ -229,12 +229,12 @@ int FakeFont::DrawTextW(ID3DXSprite* sprite, const wchar_t* text, int count, REC
 
 void FakeGpu::FailNext(Call call, HRESULT code, int times) {
   std::lock_guard guard(m_mutex);
-  m_faults[call] = {code, times};
+  for (int i = 0; i < times; ++i) m_faults[call].next.push_back(code);
 }
 
 void FakeGpu::FailAlways(Call call, HRESULT code) {
   std::lock_guard guard(m_mutex);
-  m_faults[call] = {code, -1};
+  m_faults[call].always = code;
 }
 
 void FakeGpu::ClearFaults() {
@@ -266,9 +266,14 @@ HRESULT FakeGpu::Enter(Call call, std::string line) {
   std::lock_guard guard(m_mutex);
   HRESULT result = S_OK;
   auto fault = m_faults.find(call);
-  if (fault != m_faults.end() && fault->second.remaining != 0) {
-    result = fault->second.code;
-    if (fault->second.remaining > 0) --fault->second.remaining;
+  if (fault != m_faults.end()) {
+    Faults& faults = fault->second;
+    if (!faults.next.empty()) {
+      result = faults.next.front();
+      faults.next.pop_front();
+    } else {
+      result = faults.always;
+    }
   }
   if (FAILED(result)) line += " -> " + Hex(static_cast<DWORD>(result));
   m_log.push_back({call, std::move(line)});

@@ -14,6 +14,7 @@
 //
 // Everything here is safe to use from several threads.
 
+#include <deque>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -79,8 +80,10 @@ class KARVELUI_API FakeGpu {
   int lineHeight = 16;
 
   // The next `times` calls of `call` fail with `code` (they are recorded).
+  // Calls queue: FailNext(c, A, 2) then FailNext(c, B) fails with A, A, B.
   void FailNext(Call call, HRESULT code, int times = 1);
-  // Every call of `call` fails with `code` until ClearFaults.
+  // Every call of `call` fails with `code` (once the queue is used up) until
+  // ClearFaults.
   void FailAlways(Call call, HRESULT code);
   void ClearFaults();
   // Present answers D3DERR_DEVICELOST until a Reset succeeds.
@@ -105,16 +108,16 @@ class KARVELUI_API FakeGpu {
   int NextTextureId();
 
  private:
-  struct Fault {
-    HRESULT code = S_OK;
-    int remaining = 0;  // < 0: always
+  struct Faults {
+    std::deque<HRESULT> next;
+    HRESULT always = S_OK;
   };
   struct Entry {
     Call call;
     std::string line;
   };
   mutable std::mutex m_mutex;
-  std::map<Call, Fault> m_faults;
+  std::map<Call, Faults> m_faults;
   std::vector<Entry> m_log;
   std::vector<SpriteDrawRecord> m_draws;
   std::vector<TextRecord> m_texts;
