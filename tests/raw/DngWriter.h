@@ -1,0 +1,39 @@
+#pragma once
+
+// Small camera RAW files for the tests: a minimal little-endian DNG with a
+// 16-bit RGGB sensor image and any number of embedded JPEG previews (the
+// first in the main directory, the others as sub-directories beside the
+// sensor image), plus the JPEGs to embed.
+
+#include <string>
+#include <vector>
+
+namespace KarvelTest {
+
+struct DngPreview {
+  int width = 0;
+  int height = 0;
+  std::string jpeg;
+};
+
+struct DngSpec {
+  int sensorWidth = 256;
+  int sensorHeight = 192;
+  std::vector<DngPreview> previews;
+};
+
+// The sensor image is dark in its top half and bright in its bottom half.
+std::string MakeDng(const DngSpec& spec);
+
+// A baseline JPEG of one colour (0xRRGGBB), made with the image library.
+DngPreview MakePreviewJpeg(int width, int height, unsigned rgb);
+
+// What the tests look at in a JPEG: its size, and the green level near the
+// top and near the bottom of its left edge. All zero when it does not decode.
+struct DecodedJpeg {
+  int width = 0, height = 0;
+  int topGreen = 0, bottomGreen = 0;
+};
+DecodedJpeg DecodeJpeg(const std::string& bytes);
+
+}  // namespace KarvelTest
