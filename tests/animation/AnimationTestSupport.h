@@ -1,0 +1,140 @@
+#pragma once
+
+// Shared pieces of the animation tests: one hand-driven clock behind both the
+// performance counter (board time) and the message clock (window timers),
+// stand-in forms, a board that logs its callbacks and destruction, and a
+// window that routes timer 14401 and marked paints the way a form does.
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "animation/AnimationController.h"
+#include "base/WinConstants.h"
+#include "platform/Clock.h"
+#include "platform/window/MessageQueue.h"
+#include "platform/window/Wnd.h"
+
+namespace KarvelTest {
+
+using namespace KarvelUI;
+using Log = std::vector<std::string>;
+
+constexpr LONGLONG kTicksPerMs = kPerformanceFrequency / 1000;
+
+class TestClock : public IMessageClock {
+ public:
+  TestClock() : m_previous(SetMessageClock(this)) { SetPerformanceCounterHook([this] { return m_ticks.load(); }); }
+  ~TestClock() override {
+    SetPerformanceCounterHook(nullptr);
+    SetMessageClock(m_previous);
+  }
+  std::uint64_t NowMs() const override { return static_cast<std::uint64_t>(m_ticks.load() / kTicksPerMs); }
+  void Advance(std::int64_t ms) { m_ticks += ms * kTicksPerMs; }
+  void AdvanceTicks(std::int64_t ticks) { m_ticks += ticks; }
+
+ private:
+  std::atomic<LONGLONG> m_ticks{100000 * kTicksPerMs};
+  IMessageClock* m_previous;
+};
+
+// The animation layer only passes forms around; it never enters one.
+inline CUIForm* FakeForm(int index = 0) {
+  static char forms[4];
+  return reinterpret_cast<CUIForm*>(&forms[index]);
+}
+
+struct ControllerRelease {
+  void operator()(AnimationController* controller) const { controller->Release(); }
+};
+using ControllerPtr = std::unique_ptr<AnimationController, ControllerRelease>;
+
+// Logs "<name>:completed" / "<name>:changed" and counts its destructions.
+class LoggingBoard : public AnimationBoard {
+ public:
+  LoggingBoard(std::string name, Log* log, int* destroyed = nullptr)
+      : m_name(std::move(name)), m_log(log), m_destroyed(destroyed) {
+    SetCallbackCompleted(AnimationCompletedCallback(this, &LoggingBoard::OnCompleted));
+    SetCallbackValueChanged(AnimationValueChangedCallback(this, &LoggingBoard::OnChanged));
+  }
+  ~LoggingBoard() override {
+    if (m_destroyed) ++*m_destroyed;
+  }
+  // Moves `value` linearly from `from` to `to` over ms.
+  LoggingBoard& Animate(double from, double to, std::int64_t ms) {
+    SetTarget(&value, 1, TARGET_DOUBLE);
+    SetFormula(FORMULA_LINEAR);
+    SetRange(AnimationRange(from, to, 1.0), 0);
+    SetDuration(CUITimeSpan(ms));
+    return *this;
+  }
+
+  double value = 0.0;
+  std::vector<double> oldValues, newValues;
+  std::function<void()> onCompleted;  // runs inside the callback, after the log line
+
+ private:
+  void OnCompleted() {
+    m_log->push_back(m_name + ":completed");
+    if (onCompleted) onCompleted();
+  }
+  void OnChanged(double* before, double* after, unsigned count) {
+    m_log->push_back(m_name + ":changed");
+    oldValues.assign(before, before + count);
+    newValues.assign(after, after + count);
+  }
+
+  std::string m_name;
+  Log* m_log;
+  int* m_destroyed;
+};
+
+// Sends timer 14401 to OnTimer and, after painting a paint marked 14401,
+// calls AfterRefresh, as a form does. Painting costs paintCostMs.
+class FormWindow : public CWnd {
+ public:
+  using Received = std::pair<UINT, WPARAM>;  // timer and paint messages, with their wParam
+
+  FormWindow(AnimationController* controller, TestClock* clock) : m_controller(controller), m_clock(clock) {
+    WNDCLASSW cls;
+    cls.lpszClassName = L"KarvelAnimationTestForm";
+    AfxRegisterClass(&cls);
+    CreateEx(0, cls.lpszClassName, L"form", WS_POPUP, CRect(0, 0, 64, 64), nullptr, 0);
+    controller->SetWnd(m_hWnd);
+  }
+
+  std::int64_t paintCostMs = 0;
+
+  // Dispatches everything due now; returns the timer and paint messages seen.
+  std::vector<Received> Pump() {
+    m_seen.clear();
+    MSG msg;
+    while (PeekMessageW(&msg, nullptr, 0, 0, PM_REMOVE)) DispatchMessageW(&msg);
+    return m_seen;
+  }
+
+  LRESULT WindowProc(UINT message, WPARAM wParam, LPARAM lParam) override {
+    if (message != WM_TIMER && message != WM_PAINT) return CWnd::WindowProc(message, wParam, lParam);
+    m_seen.emplace_back(message, wParam);
+    if (message == WM_TIMER && wParam == ANIMATION_TIMER_ID) m_controller->OnTimer(FakeForm());
+    if (message == WM_PAINT) {
+      {
+        CPaintDC dc(this);
+        m_clock->Advance(paintCostMs);
+      }
+      if (wParam == ANIMATION_TIMER_ID) m_controller->AfterRefresh();
+    }
+    return 0;
+  }
+
+ private:
+  AnimationController* m_controller;
+  TestClock* m_clock;
+  std::vector<Received> m_seen;
+};
+
+}  // namespace KarvelTest
