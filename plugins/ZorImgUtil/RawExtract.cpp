@@ -48,21 +48,23 @@ bool IsEightBitImage(const libraw_processed_image_t& image) {
          image.width > 0 && image.height > 0 && image.data_size >= expected;
 }
 
-ExtractResult Develop(LibRaw& raw, std::vector<unsigned char>& jpeg) {
+ExtractResult Develop(LibRaw& raw, unsigned long long maxPixels, std::vector<unsigned char>& jpeg) {
   const libraw_image_sizes_t& sizes = raw.imgdata.sizes;
-  if (1ull * sizes.raw_width * sizes.raw_height > kMaxRawPixels) return kExtractTooLarge;
+  if (1ull * sizes.raw_width * sizes.raw_height > maxPixels) return kExtractTooLarge;
   if (raw.unpack() != LIBRAW_SUCCESS || raw.dcraw_process() != LIBRAW_SUCCESS) return kExtractDevelopFailed;
   int error = LIBRAW_SUCCESS;
   ProcessedImage image(raw.dcraw_make_mem_image(&error));
   if (!image || error != LIBRAW_SUCCESS || !IsEightBitImage(*image)) return kExtractDevelopFailed;
-  return EncodeJpeg(image->data, image->width, image->height, image->colors, jpeg) ? kExtractOk : kExtractEncodeFailed;
+  return EncodeJpeg(image->data, image->width, image->height, image->colors, jpeg) ? kExtractOk
+                                                                                 : kExtractEncodeFailed;
 }
 
-ExtractResult ExtractOpened(LibRaw& raw, int openResult, std::vector<unsigned char>& jpeg) {
+ExtractResult ExtractOpened(LibRaw& raw, int openResult, unsigned long long maxPixels,
+                            std::vector<unsigned char>& jpeg) {
   if (openResult != LIBRAW_SUCCESS) return kExtractNotRaw;
   if (TakeJpegPreview(raw, jpeg)) return kExtractOk;
   jpeg.clear();
-  return Develop(raw, jpeg);
+  return Develop(raw, maxPixels, jpeg);
 }
 
 // Closes a descriptor and removes the temporary file unless it was kept.
@@ -109,25 +111,27 @@ class TemporaryFile {
 
 }  // namespace
 
-ExtractResult ExtractJpegFromFile(const std::string& nativePath, std::vector<unsigned char>& jpeg) {
+ExtractResult ExtractJpegFromFile(const std::string& nativePath, std::vector<unsigned char>& jpeg,
+                                  unsigned long long maxPixels) {
   jpeg.clear();
   if (nativePath.empty()) return kExtractBadArguments;
   try {
     auto raw = NewProcessor();
-    return ExtractOpened(*raw, raw->open_file(nativePath.c_str()), jpeg);
+    return ExtractOpened(*raw, raw->open_file(nativePath.c_str()), maxPixels, jpeg);
   } catch (...) {
     jpeg.clear();
     return kExtractInternalError;
   }
 }
 
-ExtractResult ExtractJpegFromMemory(const void* data, std::size_t size, std::vector<unsigned char>& jpeg) {
+ExtractResult ExtractJpegFromMemory(const void* data, std::size_t size, std::vector<unsigned char>& jpeg,
+                                    unsigned long long maxPixels) {
   jpeg.clear();
   if (!data || size == 0) return kExtractBadArguments;
   try {
     auto raw = NewProcessor();
     // LibRaw only reads the buffer; its interface is not const-correct.
-    return ExtractOpened(*raw, raw->open_buffer(const_cast<void*>(data), size), jpeg);
+    return ExtractOpened(*raw, raw->open_buffer(const_cast<void*>(data), size), maxPixels, jpeg);
   } catch (...) {
     jpeg.clear();
     return kExtractInternalError;

@@ -26,8 +26,10 @@ enum ExtractResult : int {
 // memory is allocated.
 constexpr unsigned long long kMaxRawPixels = 400ull * 1000 * 1000;
 
-ExtractResult ExtractJpegFromFile(const std::string& nativePath, std::vector<unsigned char>& jpeg);
-ExtractResult ExtractJpegFromMemory(const void* data, std::size_t size, std::vector<unsigned char>& jpeg);
+ExtractResult ExtractJpegFromFile(const std::string& nativePath, std::vector<unsigned char>& jpeg,
+                                  unsigned long long maxPixels = kMaxRawPixels);
+ExtractResult ExtractJpegFromMemory(const void* data, std::size_t size, std::vector<unsigned char>& jpeg,
+                                    unsigned long long maxPixels = kMaxRawPixels);
 
 // Writes bytes to a temporary file beside `path` and renames it into place,
 // so a failure never leaves a partial file at `path`.
