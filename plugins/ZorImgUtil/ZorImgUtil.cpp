@@ -1,6 +1,8 @@
 // The RAW extraction library: one C entry point that writes a JPEG rendering
 // of a camera RAW file. Paths are native, null-terminated wide strings.
 
+#include <sys/stat.h>
+
 #include <string>
 #include <vector>
 
@@ -35,11 +37,18 @@ bool WideToUtf8(const wchar_t* wide, std::string& utf8) {
   return true;
 }
 
+// Writing the JPEG over the RAW file would destroy the original.
+bool IsSameFile(const std::string& a, const std::string& b) {
+  struct stat first{}, second{};
+  return a == b || (stat(a.c_str(), &first) == 0 && stat(b.c_str(), &second) == 0 && first.st_dev == second.st_dev &&
+                    first.st_ino == second.st_ino);
+}
+
 int Extract(const wchar_t* rawPath, const wchar_t* jpgPath) {
   using namespace ZorImgUtil;
   std::string raw, jpg;
   if (!rawPath || !jpgPath || !WideToUtf8(rawPath, raw) || !WideToUtf8(jpgPath, jpg) || raw.empty() ||
-      jpg.empty())
+      jpg.empty() || IsSameFile(raw, jpg))
     return kExtractBadArguments;
   std::vector<unsigned char> jpeg;
   const ExtractResult result = ExtractJpegFromFile(raw, jpeg);

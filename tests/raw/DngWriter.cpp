@@ -10,7 +10,7 @@
 namespace KarvelTest {
 namespace {
 
-enum TiffType : std::uint16_t { kByte = 1, kAscii = 2, kShort = 3, kLong = 4, kRational = 5, kSRational = 10 };
+enum TiffType : std::uint16_t { kByte = 1, kShort = 3, kLong = 4 };
 
 struct Entry {
   std::uint16_t tag;
@@ -48,18 +48,6 @@ Entry Bytes(std::uint16_t tag, std::initializer_list<std::uint8_t> values) {
   for (auto v : values) e.value += char(v);
   return e;
 }
-Entry Ascii(std::uint16_t tag, const std::string& text) {
-  return Entry{tag, kAscii, std::uint32_t(text.size() + 1), text + '\0'};
-}
-Entry Rationals(std::uint16_t tag, TiffType type, std::initializer_list<std::pair<std::int32_t, std::int32_t>> values) {
-  Entry e{tag, type, std::uint32_t(values.size()), {}};
-  for (auto [n, d] : values) {
-    Put32(e.value, std::uint32_t(n));
-    Put32(e.value, std::uint32_t(d));
-  }
-  return e;
-}
-
 constexpr std::uint32_t kWhiteLevel = 4095;
 
 std::string SensorPixels(int width, int height) {
@@ -108,15 +96,8 @@ Directory PreviewDirectory(const DngPreview& preview, std::uint32_t stripAt) {
 }
 
 void AddDngTags(Directory& main, const std::vector<std::uint32_t>& subDirectories) {
-  main.entries.push_back(Ascii(271, "Karvel"));
-  main.entries.push_back(Ascii(272, "Test Sensor"));
   if (!subDirectories.empty()) main.entries.push_back(Longs(330, subDirectories));
   main.entries.push_back(Bytes(50706, {1, 4, 0, 0}));
-  main.entries.push_back(Ascii(50708, "Karvel Test Sensor"));
-  main.entries.push_back(Rationals(50721, kSRational,
-                                   {{1, 1}, {0, 1}, {0, 1}, {0, 1}, {1, 1}, {0, 1}, {0, 1}, {0, 1}, {1, 1}}));
-  main.entries.push_back(Rationals(50728, kRational, {{1, 1}, {1, 1}, {1, 1}}));
-  main.entries.push_back(Shorts(50778, {21}));
 }
 
 // Directories in file order, built for the given strip and directory offsets.

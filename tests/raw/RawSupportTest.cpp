@@ -6,6 +6,7 @@
 #include <string>
 
 #include "foundation/Helpers.h"
+#include "platform/DynamicLibrary.h"
 #include "platform/FileSystem.h"
 #include "platform/Paths.h"
 #include "raw/DngWriter.h"
@@ -257,6 +258,25 @@ TEST_F(RawTest, FailedExtractionLeavesNoFileBehind) {
   auto [cut, cutJpg] = RawAndCache("cut.dng", dng.substr(0, 40));
   EXPECT_EQ(GenerateRawJPGFile(LibraryPath(cut), cutJpg), 0);
   EXPECT_TRUE(fs::is_empty(jpgFile.parent_path()));
+}
+
+TEST_F(RawTest, LibraryRefusesToWriteOverTheRawFileOrIntoAMissingFolder) {
+  KarvelTest::DngSpec spec;
+  spec.previews = {KarvelTest::MakePreviewJpeg(48, 32, 0x0000FF)};
+  const std::string dng = KarvelTest::MakeDng(spec);
+  const fs::path raw = m_photos.Write("a.dng", dng);
+  KarvelUI::DynamicLibrary library;
+  ASSERT_TRUE(library.Load(L"ZorImgUtil.dll")) << library.LastError();
+  const auto extract = reinterpret_cast<int (*)(const wchar_t*, const wchar_t*)>(
+      library.GetProcAddress("ExtrctRawImageFile"));
+  ASSERT_NE(extract, nullptr);
+  const std::wstring rawPath = raw.wstring();
+  EXPECT_NE(extract(rawPath.c_str(), rawPath.c_str()), 0);
+  EXPECT_NE(extract(rawPath.c_str(), (m_photos.Path() / "." / "a.dng").wstring().c_str()), 0);
+  EXPECT_NE(extract(rawPath.c_str(), (m_photos.Path() / "missing" / "a.jpg").wstring().c_str()), 0);
+  EXPECT_EQ(KarvelTest::TempDir::Read(raw), dng);
+  EXPECT_EQ(extract(rawPath.c_str(), (m_photos.Path() / "a.jpg").wstring().c_str()), 0);
+  EXPECT_EQ(KarvelTest::TempDir::Read(m_photos.Path() / "a.jpg"), spec.previews[0].jpeg);
 }
 
 }  // namespace
