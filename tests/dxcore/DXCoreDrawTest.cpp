@@ -97,7 +97,7 @@ TEST_F(FakeDrawTest, TransformScalesAboutItsCentreThenTurnsAndTranslates) {
   const RECT source(0, 0, 2, 1);
   const D3DXVECTOR3 at{12, 11, 0};
   ASSERT_EQ(core.DrawImage(texture.Get(), &source, nullptr, &at, 0xFFFFFFFF), S_OK);
-  const SpriteQuad& quad = gpu->Draws().back().quad;
+  const SpriteQuad quad = gpu->Draws().back().quad;
   // (12, 11) -> (14, 12) scaled -> (-12, 14) turned clockwise -> (-11, 15).
   ExpectCorner(quad.corners[0], -11, 15);
   // (14, 11) -> (18, 12) -> (-12, 18) -> (-11, 19): x runs down the screen.

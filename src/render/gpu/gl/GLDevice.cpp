@@ -241,7 +241,7 @@ HRESULT GLDevice::Clear(DWORD count, const D3DRECT* rects, DWORD flags, D3DCOLOR
   for (DWORD i = 0; i < count; ++i) {
     const D3DRECT& r = rects[i];
     if (r.x2 <= r.x1 || r.y2 <= r.y1) continue;
-    glScissor(r.x1, r.y1, r.x2 - r.x1, r.y2 - r.y1);  // rows run top-down in the back buffer
+    glScissor(r.x1, static_cast<GLint>(m_params.BackBufferHeight) - r.y2, r.x2 - r.x1, r.y2 - r.y1);
     glClear(GL_COLOR_BUFFER_BIT);
   }
   glDisable(GL_SCISSOR_TEST);
@@ -275,10 +275,11 @@ HRESULT GLDevice::Present(const RECT* source, const RECT* dest, HWND overrideWin
   if (!src.IsRectEmpty() && !dst.IsRectEmpty()) {
     glBindFramebuffer(GL_READ_FRAMEBUFFER, m_backBuffer.Get());
     glBindFramebuffer(GL_DRAW_FRAMEBUFFER, 0);
-    // The window's rows run bottom-up: the copy turns the image over.
+    // Both keep GL's bottom-up rows, so a copy of equal size is a plain copy.
     const GLenum filter = src.Size() == dst.Size() ? GL_NEAREST : GL_LINEAR;
-    glBlitFramebuffer(src.left, src.top, src.right, src.bottom, dst.left, drawable.cy - dst.top, dst.right,
-                      drawable.cy - dst.bottom, GL_COLOR_BUFFER_BIT, filter);
+    const LONG height = static_cast<LONG>(m_params.BackBufferHeight);
+    glBlitFramebuffer(src.left, height - src.bottom, src.right, height - src.top, dst.left, drawable.cy - dst.bottom,
+                      dst.right, drawable.cy - dst.top, GL_COLOR_BUFFER_BIT, filter);
   }
   m_surface.SwapBuffers();
   if (ContextWasReset()) m_lost = true;
@@ -330,8 +331,12 @@ HRESULT GLDevice::ReadBackBuffer(std::vector<DWORD>& pixels, CSize& size) {
   glBindFramebuffer(GL_READ_FRAMEBUFFER, m_backBuffer.Get());
   glPixelStorei(GL_PACK_ALIGNMENT, 4);
   glPixelStorei(GL_PACK_ROW_LENGTH, 0);
-  // BGRA bytes are the DWORD 0xAARRGGBB; row 0 is the top.
+  // BGRA bytes are the DWORD 0xAARRGGBB. GL's rows run bottom-up.
   glReadPixels(0, 0, width, height, GL_BGRA, GL_UNSIGNED_BYTE, pixels.data());
+  for (GLsizei top = 0, bottom = height - 1; top < bottom; ++top, --bottom)
+    std::swap_ranges(pixels.begin() + static_cast<ptrdiff_t>(top) * width,
+                     pixels.begin() + static_cast<ptrdiff_t>(top + 1) * width,
+                     pixels.begin() + static_cast<ptrdiff_t>(bottom) * width);
   if (!BackBufferHasAlpha(m_params.BackBufferFormat))
     for (DWORD& p : pixels) p |= 0xFF000000u;
   size = CSize(width, height);

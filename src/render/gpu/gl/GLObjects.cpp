@@ -3,7 +3,8 @@
 namespace KarvelUI::gl {
 namespace {
 
-// Vertex colours arrive as BGRA bytes (the D3DCOLOR DWORD in memory).
+// Positions are back-buffer pixels with y down; GL's rows run up. Vertex
+// colours arrive as BGRA bytes (the D3DCOLOR DWORD in memory).
 constexpr const char* kVertexShader = R"(#version 330 core
 layout(location = 0) in vec2 aPosition;
 layout(location = 1) in vec2 aTexCoord;
@@ -12,7 +13,7 @@ uniform vec2 uViewportScale;
 out vec2 vTexCoord;
 out vec4 vColor;
 void main() {
-  gl_Position = vec4(aPosition * uViewportScale - 1.0, 0.0, 1.0);
+  gl_Position = vec4(aPosition.x * uViewportScale.x - 1.0, 1.0 - aPosition.y * uViewportScale.y, 0.0, 1.0);
   vTexCoord = aTexCoord;
   vColor = aColor;
 }

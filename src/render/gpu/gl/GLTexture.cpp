@@ -108,9 +108,14 @@ GLuint GLTexture::Prepare() {
   } else {
     glBindTexture(GL_TEXTURE_2D, m_name);
   }
-  m_storage.TakeChanges(fresh, [this](const BYTE* texels, int pitch, const CRect& region) {
+  // A new GL texture needs every texel, even when the first try finds the
+  // storage locked by a writer.
+  if (fresh) m_fullUploadPending = true;
+  const bool taken = m_storage.TakeChanges(m_fullUploadPending, [this](const BYTE* texels, int pitch,
+                                                                       const CRect& region) {
     Upload(texels, pitch, region);
   });
+  if (taken) m_fullUploadPending = false;
   return m_name;
 }
 

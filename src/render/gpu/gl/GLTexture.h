@@ -58,6 +58,7 @@ class GLTexture final : public RefCounted<IDirect3DTexture9> {
   // Drawing thread only (and the destructor, after the last reference).
   GLuint m_name = 0;
   std::uint64_t m_generation = 0;
+  bool m_fullUploadPending = false;
 };
 
 }  // namespace KarvelUI::gl
