@@ -1,0 +1,44 @@
+#pragma once
+
+// The bytes of an XML file on their way to the parser. The parser recurses
+// once per element level and trusts its input to be well-formed UTF-8, so
+// every file is prepared here first:
+//  - the text ends at the first zero byte, and CR LF / lone CR become LF
+//    (what the parser's own file loading does);
+//  - bytes that are not UTF-8 become U+FFFD, the same character they widen
+//    to anyway, so a multi-byte step can never swallow a '<' or a quote;
+//  - U+FEFF, U+FFFE and U+FFFF after the start are dropped (in UTF-8 mode
+//    the parser skips them as white space, in legacy mode it reads them as
+//    name characters; without them both modes see the same structure);
+//  - element nesting is measured without recursion, mirroring how the
+//    parser reads tags, attribute values, character references, comments,
+//    CDATA sections and declarations, so that a file nested deeper than
+//    kMaxXmlElementDepth is refused before the parser ever sees it.
+// Internal to the skin layer; exposed for its tests and fuzz target.
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace KarvelUI {
+
+// Deepest element nesting a skin, build or list file may use.
+inline constexpr int kMaxXmlElementDepth = 256;
+// Larger files are refused before they are read into memory.
+inline constexpr std::size_t kMaxXmlFileBytes = 64u << 20;
+
+// The text the parser is given, or nothing when the file must be refused
+// (nested too deeply).
+std::optional<std::string> PrepareXmlText(std::string_view bytes);
+
+// Line ends, zero byte, UTF-8 repair and stray byte-order marks only.
+std::string NormalizeXmlText(std::string_view bytes);
+
+// The deepest element nesting the parser can reach in `text` (prepared
+// text), counting stops once it exceeds `limit`. Never less than the depth
+// of the tree the parser builds; where the parser would give up on
+// malformed input the measure carries on, so it may report more.
+int MeasureElementDepth(std::string_view text, int limit);
+
+}  // namespace KarvelUI

@@ -1,0 +1,217 @@
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+#include <string>
+
+#include "skin/XmlDocument.h"
+#include "skin/XmlText.h"
+#include "SkinTestSupport.h"
+
+using namespace KarvelUI;
+using KarvelTest::LibraryPath;
+using KarvelTest::LoadedXml;
+using KarvelTest::TempDir;
+
+namespace {
+
+std::string Nested(int depth) {
+  std::string xml;
+  for (int i = 0; i < depth; ++i) xml += "<e>";
+  for (int i = 0; i < depth; ++i) xml += "</e>";
+  return xml;
+}
+
+std::vector<std::wstring> ChildNames(void* node) {
+  std::vector<std::wstring> names;
+  for (void* child = CXmlDocument::GetFirstChild(node); child; child = CXmlDocument::GetNextSibling(child))
+    names.push_back(CXmlDocument::GetNodeName(child).str());
+  return names;
+}
+
+}  // namespace
+
+TEST(XmlDocumentTest, PathWalkFollowsFirstElementOfEachNameAndRejectsEmptyPieces) {
+  LoadedXml xml(
+      "<?xml version=\"1.0\"?><!-- skin --><UIRoot><css><CUIButton><ok id=\"1\"/><ok id=\"2\"/></CUIButton>"
+      "<CUIButton><cancel/></CUIButton></css></UIRoot>");
+  ASSERT_TRUE(xml.Loaded());
+  EXPECT_EQ(CXmlDocument::GetNodeAttribute(xml.Node(L"UIRoot css CUIButton ok"), L"id"), L"1");
+  // Only the first CUIButton is searched.
+  EXPECT_EQ(xml.Node(L"UIRoot css CUIButton cancel"), nullptr);
+  EXPECT_EQ(xml.Node(L"UIRoot  css"), nullptr);
+  EXPECT_EQ(xml.Node(L"UIRoot css "), nullptr);
+  EXPECT_EQ(xml.Node(L"uiroot"), nullptr);
+  EXPECT_THROW(xml.Doc().PathWalk(L""), std::invalid_argument);
+
+  CXmlDocument empty;
+  EXPECT_EQ(empty.PathWalk(L"UIRoot"), nullptr);
+}
+
+TEST(XmlDocumentTest, NodeHelpersReadTextAttributesAndElementChildrenOnly) {
+  LoadedXml xml(
+      "<r><t>hello</t><late><b/>text after</late><a x=\"\" y=\"v\"/>"
+      "<kids>text<!-- c --><one/>more<two/><one/></kids></r>");
+  ASSERT_TRUE(xml.Loaded());
+  EXPECT_EQ(CXmlDocument::GetNodeText(xml.Node(L"r t")), L"hello");
+  EXPECT_EQ(CXmlDocument::GetNodeText(xml.Node(L"r late")), L"");
+  EXPECT_EQ(CXmlDocument::GetNodeText(nullptr), L"");
+  void* a = xml.Node(L"r a");
+  EXPECT_EQ(CXmlDocument::GetNodeAttribute(a, L"x"), L"");
+  EXPECT_EQ(CXmlDocument::GetNodeAttribute(a, L"missing"), L"");
+  EXPECT_EQ(CXmlDocument::GetNodeAttribute(a, L"y"), L"v");
+  EXPECT_EQ(CXmlDocument::GetNodeAttribute(nullptr, L"y"), L"");
+  EXPECT_EQ(CXmlDocument::GetNodeName(nullptr), L"");
+
+  void* kids = xml.Node(L"r kids");
+  EXPECT_EQ(ChildNames(kids), (std::vector<std::wstring>{L"one", L"two", L"one"}));
+  EXPECT_EQ(CXmlDocument::FindChild(kids, L"two"), CXmlDocument::GetNextSibling(CXmlDocument::GetFirstChild(kids)));
+  EXPECT_EQ(CXmlDocument::FindChild(kids, L"One"), nullptr);
+  EXPECT_EQ(CXmlDocument::FindChild(nullptr, L"one"), nullptr);
+}
+
+TEST(XmlDocumentTest, SetNodeAttributeReplacesInPlaceAndAppendsNewOnesLast) {
+  TempDir dir;
+  CXmlDocument doc;
+  void* node = doc.InsertEndChild(L"PreSkin");
+  ASSERT_NE(node, nullptr);
+  EXPECT_EQ(CXmlDocument::SetNodeAttribute(node, L"a", L"1"), node);
+  CXmlDocument::SetNodeAttribute(node, L"b", L"2");
+  CXmlDocument::SetNodeAttribute(node, L"a", L"3");
+  EXPECT_EQ(CXmlDocument::SetNodeAttribute(nullptr, L"a", L"1"), nullptr);
+  const auto file = dir.Path() / "out.xml";
+  ASSERT_EQ(doc.SaveFile(LibraryPath(file)), 1);
+  EXPECT_EQ(TempDir::Read(file), "<PreSkin a=\"3\" b=\"2\" />\n");
+}
+
+TEST(XmlDocumentTest, InsertEndChildOfNodeAppendsIndependentDeepCopies) {
+  LoadedXml xml("<r><target><first/></target></r>");
+  ASSERT_TRUE(xml.Loaded());
+  void* child = CXmlDocument::CreateNode(L"item");
+  void* inner = CXmlDocument::CreateNode(L"inner");
+  CXmlDocument::InsertEndChild(child, inner);
+  CXmlDocument::DeleteNode(inner);  // child holds its own copy
+  void* target = xml.Node(L"r target");
+
+  void* copy1 = CXmlDocument::InsertEndChild(target, child);
+  void* copy2 = CXmlDocument::InsertEndChild(target, child);
+  ASSERT_NE(copy1, nullptr);
+  ASSERT_NE(copy1, child);
+  ASSERT_NE(copy1, copy2);
+  CXmlDocument::SetNodeAttribute(copy1, L"n", L"1");
+  EXPECT_EQ(CXmlDocument::GetNodeAttribute(copy2, L"n"), L"");
+  EXPECT_EQ(CXmlDocument::GetNodeAttribute(child, L"n"), L"");
+  EXPECT_NE(CXmlDocument::FindChild(copy2, L"inner"), nullptr);
+  EXPECT_EQ(ChildNames(target), (std::vector<std::wstring>{L"first", L"item", L"item"}));
+  EXPECT_EQ(CXmlDocument::InsertEndChild(nullptr, child), nullptr);
+  EXPECT_EQ(CXmlDocument::InsertEndChild(target, nullptr), nullptr);
+  EXPECT_EQ(CXmlDocument::DeleteNode(child), 1);
+  EXPECT_EQ(CXmlDocument::DeleteNode(nullptr), 1);
+}
+
+TEST(XmlDocumentTest, IncludeMergesIntoAnExistingChildOrAppendsTheWholeRoot) {
+  LoadedXml xml("<BuildRoot><Main><panel/></Main></BuildRoot>");
+  ASSERT_TRUE(xml.Loaded());
+  const CString part = LibraryPath(xml.Dir().Write("part.xml", "<Main><button/><!-- c --><label/></Main>"));
+
+  EXPECT_EQ(xml.Doc().Include(part, L"BuildRoot", 1), 1);
+  EXPECT_EQ(ChildNames(xml.Node(L"BuildRoot")), std::vector<std::wstring>{L"Main"});
+  EXPECT_EQ(ChildNames(xml.Node(L"BuildRoot Main")), (std::vector<std::wstring>{L"panel", L"button", L"label"}));
+
+  EXPECT_EQ(xml.Doc().Include(part, L"BuildRoot", 0), 1);
+  EXPECT_EQ(ChildNames(xml.Node(L"BuildRoot")), (std::vector<std::wstring>{L"Main", L"Main"}));
+
+  // Merge with no child of that name appends the root too.
+  EXPECT_EQ(xml.Doc().Include(part, L"BuildRoot Main panel", 1), 1);
+  EXPECT_EQ(ChildNames(xml.Node(L"BuildRoot Main panel")), std::vector<std::wstring>{L"Main"});
+}
+
+TEST(XmlDocumentTest, IncludeFailsWithoutTouchingTheTree) {
+  LoadedXml xml("<BuildRoot><Main/></BuildRoot>");
+  ASSERT_TRUE(xml.Loaded());
+  const CString part = LibraryPath(xml.Dir().Write("part.xml", "<Extra/>"));
+  const CString broken = LibraryPath(xml.Dir().Write("broken.xml", "<Extra><open></Extra>"));
+  EXPECT_EQ(xml.Doc().Include(part, L"BuildRoot Missing", 0), 0);  // the parsed file is freed (ASan)
+  EXPECT_EQ(xml.Doc().Include(broken, L"BuildRoot", 0), 0);
+  EXPECT_EQ(xml.Doc().Include(LibraryPath(xml.Dir().Path() / "none.xml"), L"BuildRoot", 0), 0);
+  EXPECT_EQ(ChildNames(xml.Node(L"BuildRoot")), std::vector<std::wstring>{L"Main"});
+
+  CXmlDocument empty;
+  EXPECT_EQ(empty.Include(part, L"BuildRoot", 0), 0);
+}
+
+TEST(XmlDocumentTest, SaveKeepsTheByteOrderMarkAndTheUtf8Text) {
+  TempDir dir;
+  const std::string body = "<r name=\"\xE4\xB8\xAD\xE6\x96\x87\">caf\xC3\xA9</r>\n";
+  const auto withMark = dir.Write("bom.xml", "\xEF\xBB\xBF" + body);
+  const auto without = dir.Write("plain.xml", body);
+
+  CXmlDocument doc(LibraryPath(withMark));
+  ASSERT_TRUE(doc.IsLoaded());
+  void* root = doc.PathWalk(L"r");
+  EXPECT_EQ(CXmlDocument::GetNodeAttribute(root, L"name"), L"\u4E2D\u6587");
+  EXPECT_EQ(CXmlDocument::GetNodeText(root), L"caf\u00E9");
+  CXmlDocument::SetNodeAttribute(root, L"extra", L"\u00FC");
+  ASSERT_EQ(doc.SaveFile(), 1);
+  EXPECT_EQ(TempDir::Read(withMark), "\xEF\xBB\xBF<r name=\"\xE4\xB8\xAD\xE6\x96\x87\" extra=\"\xC3\xBC\">caf\xC3\xA9</r>\n");
+
+  CXmlDocument plain(LibraryPath(without));
+  ASSERT_EQ(plain.SaveFile(LibraryPath(dir.Path() / "copy.xml")), 1);
+  EXPECT_EQ(TempDir::Read(dir.Path() / "copy.xml"), body);
+}
+
+TEST(XmlDocumentTest, SaveWithoutTreeOrFileNameFails) {
+  TempDir dir;
+  CXmlDocument doc;
+  EXPECT_EQ(doc.SaveFile(), 0);
+  EXPECT_EQ(doc.SaveFile(LibraryPath(dir.Path() / "x.xml")), 0);
+  EXPECT_FALSE(std::filesystem::exists(dir.Path() / "x.xml"));
+  doc.InsertEndChild(L"r");
+  EXPECT_EQ(doc.SaveFile(), 0);  // made in memory: no file name
+  EXPECT_EQ(doc.SaveFile(LibraryPath(dir.Path() / "missing" / "x.xml")), 0);
+}
+
+TEST(XmlDocumentTest, BadFilesFailToLoadAndLeaveNoTree) {
+  TempDir dir;
+  const struct {
+    const char* name;
+    std::string bytes;
+  } cases[] = {
+      {"empty", ""},
+      {"blank", " \n\t "},
+      {"truncated", "<UIRoot><css><CUIButton name=\"a"},
+      {"unclosed", "<UIRoot><css></UIRoot>"},
+      {"binary", std::string("\x89PNG\r\n\x1A\n\0\0\0\rIHDR", 16)},
+      {"only declaration", "<?xml version=\"1.0\"?>"},
+      {"too deep", Nested(kMaxXmlElementDepth + 1)},
+      {"far too deep", Nested(200000)},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.name);
+    CXmlDocument doc;
+    ASSERT_EQ(doc.InsertEndChild(L"old") != nullptr, true);
+    EXPECT_EQ(doc.LoadFile(LibraryPath(dir.Write("bad.xml", c.bytes))), 0);
+    EXPECT_FALSE(doc.IsLoaded());
+    EXPECT_EQ(doc.PathWalk(L"old"), nullptr);
+  }
+  CXmlDocument missing(LibraryPath(dir.Path() / "none.xml"));
+  EXPECT_FALSE(missing.IsLoaded());
+  CXmlDocument folder(LibraryPath(dir.Path()));
+  EXPECT_FALSE(folder.IsLoaded());
+}
+
+TEST(XmlDocumentTest, NestingUpToTheLimitLoads) {
+  TempDir dir;
+  CXmlDocument doc;
+  ASSERT_EQ(doc.LoadFile(LibraryPath(dir.Write("deep.xml", Nested(kMaxXmlElementDepth)))), 1);
+  void* node = doc.PathWalk(L"e");
+  int depth = 0;
+  for (; node; node = CXmlDocument::FindChild(node, L"e")) ++depth;
+  EXPECT_EQ(depth, kMaxXmlElementDepth);
+}
+
+TEST(XmlDocumentTest, LineEndsBecomeLineFeedsAndAZeroByteEndsTheText) {
+  using namespace std::string_literals;
+  LoadedXml xml("<r a=\"x\r\ny\rz\"/>\0<unclosed"s);
+  ASSERT_TRUE(xml.Loaded());
+  EXPECT_EQ(CXmlDocument::GetNodeAttribute(xml.Node(L"r"), L"a"), L"x\ny\nz");
+}
