@@ -187,10 +187,12 @@ TEST_F(TaskFixture, KillWhileWorkingWaitsForTheUnitThenBeginStartsAgain) {
 }
 
 TEST_F(TaskFixture, KillRightAfterBeginIsNotLost) {
+  task->Permit(1000);  // wherever the worker is, it can reach its next check
   ASSERT_EQ(BackUpdateTask::BeginUpdateTask(task), 1);
   BackUpdateTask::KillUpdateTask(task);  // possibly before the thread ran at all
   EXPECT_EQ(task->GetState(), TASK_STATE_NONE);
-  EXPECT_EQ(task->unitsDone.load(), 0);
+  EXPECT_EQ(task->threadsStarted.load(), 1);
+  EXPECT_EQ(task->threadsEnded.load(), 1);  // a lost kill would leave it running
 }
 
 TEST(UILock, NullTryAndRecursion) {
