@@ -152,18 +152,17 @@ void* CXmlDocument::SetNodeAttribute(void* node, const CString& name, const CStr
   return node;
 }
 
-void* CXmlDocument::FindChild(void* node, const CString& name) {
-  if (!node) return nullptr;
-  return GetFirstChild(node, name);
-}
+void* CXmlDocument::FindChild(void* node, const CString& name) { return GetFirstChild(node, name); }
 
-void* CXmlDocument::GetFirstChild(void* node) { return AsElement(node)->FirstChildElement(); }
+// Callers never pass null to these three; answering null anyway keeps a
+// damaged skin from becoming a crash.
+void* CXmlDocument::GetFirstChild(void* node) { return node ? AsElement(node)->FirstChildElement() : nullptr; }
 
 void* CXmlDocument::GetFirstChild(void* node, const CString& name) {
-  return AsElement(node)->FirstChildElement(Narrow(name).c_str());
+  return node ? AsElement(node)->FirstChildElement(Narrow(name).c_str()) : nullptr;
 }
 
-void* CXmlDocument::GetNextSibling(void* node) { return AsElement(node)->NextSiblingElement(); }
+void* CXmlDocument::GetNextSibling(void* node) { return node ? AsElement(node)->NextSiblingElement() : nullptr; }
 
 void* CXmlDocument::CreateNode(const CString& name) { return new TiXmlElement(Narrow(name).c_str()); }
 

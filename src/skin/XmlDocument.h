@@ -63,7 +63,7 @@ class KARVELUI_API CXmlDocument {
   static void* SetNodeAttribute(void* node, const CString& name, const CString& value);
   // First child element named exactly `name`; null for a null node.
   static void* FindChild(void* node, const CString& name);
-  // node must not be null for these three.
+  // Callers pass a non-null node to these three (null gives null).
   static void* GetFirstChild(void* node);
   static void* GetFirstChild(void* node, const CString& name);
   static void* GetNextSibling(void* node);

@@ -86,12 +86,13 @@ bool IsNameChar(char c) {
   return IsNameStart(c) || IsDigit(c) || c == '-' || c == '.' || c == ':';
 }
 
-class DepthMeasure {
+class ShapeMeasure {
  public:
-  DepthMeasure(std::string_view text, int limit) : m_text(text), m_limit(limit) {}
+  ShapeMeasure(std::string_view text, int depthLimit, int attributeLimit)
+      : m_text(text), m_depthLimit(depthLimit), m_attributeLimit(attributeLimit) {}
 
-  int Run() {
-    while (m_at < m_text.size() && m_maxDepth <= m_limit) {
+  XmlShape Run() {
+    while (m_at < m_text.size() && m_shape.depth <= m_depthLimit && m_shape.attributes <= m_attributeLimit) {
       if (m_depth == 0) SkipSpace();
       if (m_at >= m_text.size()) break;
       if (Peek() == '<') {
@@ -102,7 +103,7 @@ class DepthMeasure {
         Text();
       }
     }
-    return m_maxDepth;
+    return m_shape;
   }
 
  private:
@@ -151,20 +152,21 @@ class DepthMeasure {
   void Tag() {
     ++m_at;
     SkipNameChars();
-    for (;;) {
+    for (int attributes = 0;; ++attributes) {
+      m_shape.attributes = std::max(m_shape.attributes, attributes);
       SkipSpace();
       if (m_at >= m_text.size()) return;
       if (Peek() == '/') {
-        if (Peek(1) == '>') m_maxDepth = std::max(m_maxDepth, m_depth + 1);  // an empty element
+        if (Peek(1) == '>') m_shape.depth = std::max(m_shape.depth, m_depth + 1);  // an empty element
         m_at += Peek(1) == '>' ? 2 : 1;
         return;
       }
       if (Peek() == '>') {
         ++m_at;
-        m_maxDepth = std::max(m_maxDepth, ++m_depth);
+        m_shape.depth = std::max(m_shape.depth, ++m_depth);
         return;
       }
-      if (!Attribute()) return;  // the parser gives up here; go on as text
+      if (attributes > m_attributeLimit || !Attribute()) return;  // the parser gives up here; go on as text
     }
   }
 
@@ -214,33 +216,51 @@ class DepthMeasure {
 
   // One character of text or of a quoted value. A numeric character
   // reference runs to the next ';' and is checked backwards only as far as
-  // the last 'x' (or '#'), so it can reach over markup; follow it the same way.
+  // the last 'x' (or '#'), so it can reach over markup; follow it the same
+  // way. Both searches are remembered, so a run of broken references costs
+  // no more than one pass.
   void Character() {
     if (Peek() != '&' || Peek(1) != '#' || m_at + 2 >= m_text.size()) {
       ++m_at;
       return;
     }
     const bool hex = Peek(2) == 'x';
-    const size_t first = m_at + (hex ? 3 : 2);
-    const size_t semicolon = first < m_text.size() ? m_text.find(';', first) : std::string_view::npos;
-    if (semicolon == std::string_view::npos) {
-      ++m_at;
-      return;
+    const size_t semicolon = NextSemicolon(m_at + (hex ? 3 : 2));
+    if (semicolon != std::string_view::npos && m_text[ReferenceStart(semicolon, hex)] == (hex ? 'x' : '#'))
+      m_at = semicolon + 1;
+    else
+      ++m_at;  // the parser fails here
+  }
+
+  size_t NextSemicolon(size_t from) {
+    if (from >= m_text.size()) return std::string_view::npos;
+    if (!m_semicolonKnown || (m_semicolon != std::string_view::npos && m_semicolon < from)) {
+      m_semicolon = m_text.find(';', from);
+      m_semicolonKnown = true;
+      m_referenceStart[0] = m_referenceStart[1] = std::string_view::npos;
     }
-    for (size_t q = semicolon - 1; m_text[q] != (hex ? 'x' : '#'); --q) {
-      if (!(hex ? IsHexDigit(m_text[q]) : IsDigit(m_text[q]))) {
-        ++m_at;  // the parser fails here
-        return;
-      }
+    return m_semicolon;
+  }
+
+  // The first character before semicolon that is no (hex) digit.
+  size_t ReferenceStart(size_t semicolon, bool hex) {
+    size_t& start = m_referenceStart[hex ? 1 : 0];
+    if (start == std::string_view::npos) {
+      start = semicolon - 1;
+      while (hex ? IsHexDigit(m_text[start]) : IsDigit(m_text[start])) --start;
     }
-    m_at = semicolon + 1;
+    return start;
   }
 
   std::string_view m_text;
-  int m_limit;
+  int m_depthLimit;
+  int m_attributeLimit;
   size_t m_at = 0;
   int m_depth = 0;
-  int m_maxDepth = 0;
+  XmlShape m_shape;
+  bool m_semicolonKnown = false;
+  size_t m_semicolon = std::string_view::npos;
+  size_t m_referenceStart[2] = {std::string_view::npos, std::string_view::npos};
 };
 
 }  // namespace
@@ -255,10 +275,13 @@ std::string NormalizeXmlText(std::string_view bytes) {
 
 std::optional<std::string> PrepareXmlText(std::string_view bytes) {
   std::string text = NormalizeXmlText(bytes);
-  if (MeasureElementDepth(text, kMaxXmlElementDepth) > kMaxXmlElementDepth) return std::nullopt;
+  const XmlShape shape = MeasureXmlShape(text, kMaxXmlElementDepth, kMaxXmlAttributes);
+  if (shape.depth > kMaxXmlElementDepth || shape.attributes > kMaxXmlAttributes) return std::nullopt;
   return text;
 }
 
-int MeasureElementDepth(std::string_view text, int limit) { return DepthMeasure(text, limit).Run(); }
+XmlShape MeasureXmlShape(std::string_view text, int depthLimit, int attributeLimit) {
+  return ShapeMeasure(text, depthLimit, attributeLimit).Run();
+}
 
 }  // namespace KarvelUI

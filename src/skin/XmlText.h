@@ -13,7 +13,8 @@
 //  - element nesting is measured without recursion, mirroring how the
 //    parser reads tags, attribute values, character references, comments,
 //    CDATA sections and declarations, so that a file nested deeper than
-//    kMaxXmlElementDepth is refused before the parser ever sees it.
+//    kMaxXmlElementDepth, or with an element of more than
+//    kMaxXmlAttributes attributes, is refused before the parser sees it.
 // Internal to the skin layer; exposed for its tests and fuzz target.
 
 #include <cstddef>
@@ -25,20 +26,27 @@ namespace KarvelUI {
 
 // Deepest element nesting a skin, build or list file may use.
 inline constexpr int kMaxXmlElementDepth = 256;
+// Most attributes one element may carry (the parser checks each new
+// attribute against all earlier ones, so their number costs its square).
+inline constexpr int kMaxXmlAttributes = 1024;
 // Larger files are refused before they are read into memory.
-inline constexpr std::size_t kMaxXmlFileBytes = 64u << 20;
+inline constexpr std::size_t kMaxXmlFileBytes = 8u << 20;
 
 // The text the parser is given, or nothing when the file must be refused
-// (nested too deeply).
+// (nested too deeply, too many attributes on one element).
 std::optional<std::string> PrepareXmlText(std::string_view bytes);
 
 // Line ends, zero byte, UTF-8 repair and stray byte-order marks only.
 std::string NormalizeXmlText(std::string_view bytes);
 
-// The deepest element nesting the parser can reach in `text` (prepared
-// text), counting stops once it exceeds `limit`. Never less than the depth
-// of the tree the parser builds; where the parser would give up on
-// malformed input the measure carries on, so it may report more.
-int MeasureElementDepth(std::string_view text, int limit);
+struct XmlShape {
+  int depth = 0;       // deepest element nesting the parser can reach
+  int attributes = 0;  // most attributes on one element
+};
+// The shape of prepared text, measured without recursion; measuring stops
+// once a value exceeds its limit. Never less than the tree the parser
+// builds: where the parser would give up on malformed input the measure
+// carries on, so it may report more.
+XmlShape MeasureXmlShape(std::string_view text, int depthLimit, int attributeLimit);
 
 }  // namespace KarvelUI

@@ -21,6 +21,12 @@ std::string Nested(int depth) {
   return xml;
 }
 
+std::string WithAttributes(int count) {
+  std::string xml = "<e";
+  for (int i = 0; i < count; ++i) xml += " a" + std::to_string(i) + "=\"" + std::to_string(i) + "\"";
+  return xml + "/>";
+}
+
 std::vector<std::wstring> ChildNames(void* node) {
   std::vector<std::wstring> names;
   for (void* child = CXmlDocument::GetFirstChild(node); child; child = CXmlDocument::GetNextSibling(child))
@@ -184,6 +190,7 @@ TEST(XmlDocumentTest, BadFilesFailToLoadAndLeaveNoTree) {
       {"only declaration", "<?xml version=\"1.0\"?>"},
       {"too deep", Nested(kMaxXmlElementDepth + 1)},
       {"far too deep", Nested(200000)},
+      {"too many attributes", WithAttributes(kMaxXmlAttributes + 1)},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.name);
@@ -199,7 +206,7 @@ TEST(XmlDocumentTest, BadFilesFailToLoadAndLeaveNoTree) {
   EXPECT_FALSE(folder.IsLoaded());
 }
 
-TEST(XmlDocumentTest, NestingUpToTheLimitLoads) {
+TEST(XmlDocumentTest, NestingAndAttributesUpToTheLimitsLoad) {
   TempDir dir;
   CXmlDocument doc;
   ASSERT_EQ(doc.LoadFile(LibraryPath(dir.Write("deep.xml", Nested(kMaxXmlElementDepth)))), 1);
@@ -207,6 +214,9 @@ TEST(XmlDocumentTest, NestingUpToTheLimitLoads) {
   int depth = 0;
   for (; node; node = CXmlDocument::FindChild(node, L"e")) ++depth;
   EXPECT_EQ(depth, kMaxXmlElementDepth);
+
+  ASSERT_EQ(doc.LoadFile(LibraryPath(dir.Write("wide.xml", WithAttributes(kMaxXmlAttributes)))), 1);
+  EXPECT_EQ(CXmlDocument::GetNodeAttribute(doc.PathWalk(L"e"), L"a1023"), L"1023");
 }
 
 TEST(XmlDocumentTest, LineEndsBecomeLineFeedsAndAZeroByteEndsTheText) {

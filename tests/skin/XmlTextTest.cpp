@@ -50,7 +50,7 @@ TEST(XmlTextTest, DepthFollowsTheParserThroughMarkupThatHidesTags) {
   for (const auto& c : cases) {
     SCOPED_TRACE(c.name);
     EXPECT_EQ(LoadedDepth(c.xml), c.depth);
-    EXPECT_GE(MeasureElementDepth(NormalizeXmlText(c.xml), 1000), c.depth);
+    EXPECT_GE(MeasureXmlShape(NormalizeXmlText(c.xml), 1000, 1000).depth, c.depth);
   }
 }
 
@@ -59,7 +59,7 @@ TEST(XmlTextTest, HiddenCloseTagsCannotSmuggleDepthPastTheLimit) {
   // tag counter sees depth 1 while the parser nests every level.
   std::string xml;
   for (int i = 0; i < 400; ++i) xml += "<a>&#x</a>x1;";
-  EXPECT_GT(MeasureElementDepth(xml, kMaxXmlElementDepth), kMaxXmlElementDepth);
+  EXPECT_GT(MeasureXmlShape(xml, kMaxXmlElementDepth, kMaxXmlAttributes).depth, kMaxXmlElementDepth);
   EXPECT_FALSE(PrepareXmlText(xml).has_value());
   // The same shape in quoted values and declarations.
   std::string quoted;
