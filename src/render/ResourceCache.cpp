@@ -158,8 +158,13 @@ void ExpandRow24(const BYTE* source, BYTE* target, int pixels) {
   }
 }
 
+// Texels just outside the covered part repeat its last column and row, so
+// that filtering at the picture's right and bottom edges, where a tile's
+// texture is larger than its part, does not fade into empty texels.
 void CopyTileRows(const PixelRows& rows, const TextureTile& tile) {
   const int width = tile.rect.Width();
+  const bool padColumn = static_cast<UINT>(width) < tile.SurfaceDesc.Width;
+  const bool padRow = static_cast<UINT>(tile.rect.Height()) < tile.SurfaceDesc.Height;
   const size_t offset = static_cast<size_t>(tile.rect.left) * (rows.bitsPerPixel / 8);
   auto* target = static_cast<BYTE*>(tile.LockedRect.pBits);
   for (int r = tile.rect.top; r < tile.rect.bottom; ++r, target += tile.LockedRect.Pitch) {
@@ -168,7 +173,9 @@ void CopyTileRows(const PixelRows& rows, const TextureTile& tile) {
       std::memcpy(target, source, static_cast<size_t>(width) * 4);
     else
       ExpandRow24(source, target, width);
+    if (padColumn) std::memcpy(target + width * 4, target + (width - 1) * 4, 4);
   }
+  if (padRow) std::memcpy(target, target - tile.LockedRect.Pitch, static_cast<size_t>(width + padColumn) * 4);
 }
 
 D3DXIMAGE_INFO UploadedImageInfo(int width, int height) {

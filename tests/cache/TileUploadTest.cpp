@@ -48,9 +48,14 @@ TEST_F(CacheTest, APictureIsCutIntoQuarterTilesWithPowerOfTwoTexturesAtTheEdges)
   for (const CPoint p : {CPoint(0, 0), CPoint(1023, 1023), CPoint(1024, 0), CPoint(2048, 1024), CPoint(2999, 1499),
                          CPoint(1500, 1200), CPoint(0, 1499)})
     EXPECT_EQ(PictureTexel(item, p.x, p.y), Pattern(p.x, p.y)) << p.x << "," << p.y;
-  // Outside the picture the edge textures stay transparent.
-  const auto* corner = fake::FakeTexture::From(item->Tile(2, 1)->pTexture.Get());
-  EXPECT_EQ(corner->Texels()[static_cast<size_t>(476) * 1024 + 952], 0u);
+  // Past the picture's last column and row the edge textures repeat them
+  // once (so filtering does not fade the edges) and stay empty beyond.
+  const std::vector<DWORD> corner = fake::FakeTexture::From(item->Tile(2, 1)->pTexture.Get())->Texels();
+  EXPECT_EQ(corner[static_cast<size_t>(475) * 1024 + 952], Pattern(2999, 1499));
+  EXPECT_EQ(corner[static_cast<size_t>(476) * 1024 + 951], Pattern(2999, 1499));
+  EXPECT_EQ(corner[static_cast<size_t>(476) * 1024 + 952], Pattern(2999, 1499));
+  EXPECT_EQ(corner[static_cast<size_t>(476) * 1024 + 953], 0u);
+  EXPECT_EQ(corner[static_cast<size_t>(477) * 1024 + 10], 0u);
 
   const D3DXIMAGE_INFO expected{3000, 1500, 0, 1, D3DFMT_A8R8G8B8, D3DRTYPE_TEXTURE, D3DXIFF_FORCE_DWORD};
   EXPECT_EQ(std::memcmp(&item->ImageInfo, &expected, sizeof expected), 0);
