@@ -284,10 +284,10 @@ HRESULT DXCore::DrawImage(tagTextureItem* item, const CRect* dest, const CRect* 
   if (!item || !item->IsReady() || !dest) return E_FAIL;
   const CRect whole(0, 0, static_cast<LONG>(item->TextureInfo.Width), static_cast<LONG>(item->TextureInfo.Height));
   const CRect src = (source && !source->IsRectEmpty()) ? *source : whole;
-  if (src.Width() <= 0 || src.Height() <= 0) return E_FAIL;
+  if (dest->Width() < 0 || dest->Height() < 0) return E_FAIL;  // a negative scale: no mirroring
+  if (src.IsRectEmpty()) return S_OK;                          // a picture of no size: nothing to draw
   const float sx = static_cast<float>(dest->Width()) / static_cast<float>(src.Width());
   const float sy = static_cast<float>(dest->Height()) / static_cast<float>(src.Height());
-  if (sx < 0.0f || sy < 0.0f) return E_FAIL;  // no mirroring
 
   // Every piece is scaled about its own top-left corner and all share the
   // rotation centre, so the pieces join without gaps and turn as one.
@@ -307,6 +307,26 @@ HRESULT DXCore::DrawImage(tagTextureItem* item, const CRect* dest, const CRect* 
     }
   }
   return S_OK;
+}
+
+HRESULT DXCore::DrawImage(const CString& path, const CRect* dest, const CRect* source,
+                          const D3DXVECTOR2* rotationCentre, float rotation, DWORD colour, long frame) {
+  IDirect3DDevice9* device = m_pD3DDevice.Get();
+  tagTextureItem* item = m_ResourceCache.GetFrameByIndex(m_ResourceCache.GetTextureItem(path, device), frame, device);
+  if (!item) return E_FAIL;
+  return DrawImage(item, dest, source, rotationCentre, rotation, colour);
+}
+
+HRESULT DXCore::GetTextureInfo(const CString& path, D3DXIMAGE_INFO* imageInfo, D3DXIMAGE_INFO* textureInfo) {
+  const tagTextureItem* item = m_ResourceCache.GetTextureItem(path, m_pD3DDevice.Get());
+  if (!item || item->nState == TEXTURE_STATE_FAILED) return E_FAIL;
+  if (imageInfo) *imageInfo = item->ImageInfo;
+  if (textureInfo) *textureInfo = item->TextureInfo;
+  return S_OK;
+}
+
+void DXCore::ReleaseTexture(const CString& path, int keepDecoded) {
+  m_ResourceCache.ReleaseTexture(path, m_pD3DDevice.Get(), keepDecoded);
 }
 
 }  // namespace KarvelUI

@@ -61,6 +61,12 @@ class KARVELUI_API DXCore {
   D3DPRESENT_PARAMETERS GetD3DPresentParameters() const { return m_d3dpp; }
   HRESULT GetD3DDeviceCaps(D3DCAPS9* caps);
   ResourceCache* GetResourceCache() { return &m_ResourceCache; }
+  // The image and uploaded-texture descriptions of the picture at `path`
+  // (loaded when needed); either pointer may be null. E_FAIL when the
+  // picture cannot be made.
+  HRESULT GetTextureInfo(const CString& path, D3DXIMAGE_INFO* imageInfo, D3DXIMAGE_INFO* textureInfo);
+  // Empties the cache entry of `path`; keepDecoded keeps its decoded picture.
+  void ReleaseTexture(const CString& path, int keepDecoded);
 
   // Kept only when 0 <= opacity <= 1; anything else (NaN included) is ignored.
   void SetGlobalOpacity(float opacity);
@@ -93,6 +99,11 @@ class KARVELUI_API DXCore {
   // when the item is not ready or a scale would be negative (no mirroring).
   HRESULT DrawImage(tagTextureItem* item, const CRect* dest, const CRect* source, const D3DXVECTOR2* rotationCentre,
                     float rotation, DWORD colour);
+  // The picture at `path` (loaded on first use), or frame `frame` of an
+  // animated one (decoded on demand), drawn as above. E_FAIL when the
+  // picture or the frame cannot be had.
+  HRESULT DrawImage(const CString& path, const CRect* dest, const CRect* source, const D3DXVECTOR2* rotationCentre,
+                    float rotation, DWORD colour, long frame);
 
  private:
   struct LockDeleter {

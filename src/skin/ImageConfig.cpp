@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "render/DXCore.h"
+
 namespace KarvelUI {
 namespace {
 
@@ -46,6 +48,50 @@ int _ImageConfig::LoadImageW(const CString& path) {
   return 1;
 }
 
+void _ImageConfig::Render(DXCore* dx, CRect& target, CRect* clip) { RenderRect(dx, target, m_rcSrc, clip); }
+
+void _ImageConfig::RenderRect(DXCore* dx, const CRect& target, CRect source, const CRect* clip) {
+  if (!dx || m_strFile.IsEmpty() || target.IsRectEmpty()) return;
+  if (source.IsRectEmpty()) {
+    const tagTextureItem* item = dx->GetResourceCache()->GetTextureItem(m_strFile, dx->GetD3DDevice());
+    if (!item || item->nState == TEXTURE_STATE_FAILED) return;
+    source.SetRect(0, 0, static_cast<LONG>(item->TextureInfo.Width), static_cast<LONG>(item->TextureInfo.Height));
+    if (source.IsRectEmpty()) return;
+  }
+  CRect dest = target;
+  if (clip) {
+    // The source shrinks with the destination, at the draw's scale.
+    const float sx = static_cast<float>(target.Width()) / static_cast<float>(source.Width());
+    const float sy = static_cast<float>(target.Height()) / static_cast<float>(source.Height());
+    dest.IntersectRect(*clip, target);
+    if (target.left < clip->left) source.left += static_cast<LONG>(static_cast<float>(clip->left - target.left) / sx);
+    if (target.top < clip->top) source.top += static_cast<LONG>(static_cast<float>(clip->top - target.top) / sy);
+    if (target.right > clip->right)
+      source.right -= static_cast<LONG>(static_cast<float>(target.right - clip->right) / sx);
+    if (target.bottom > clip->bottom)
+      source.bottom -= static_cast<LONG>(static_cast<float>(target.bottom - clip->bottom) / sy);
+  }
+  if (dest.IsRectEmpty()) return;
+  const D3DXVECTOR2 centre{static_cast<float>(m_nRotateCenterX), static_cast<float>(m_nRotateCenterY)};
+  dx->DrawImage(m_strFile, &dest, &source, &centre, m_fRotation, m_dwColor, m_nFrame);
+}
+
+void _ImageConfig::RenderEdge(DXCore* dx, const CRect& target, const CEdge& edge, int horizontal) {
+  if (m_strFile.IsEmpty() || target.IsRectEmpty()) return;
+  const CRect& t = target;
+  const LONG leftW = edge.left.Width(), leftH = edge.left.Height();
+  const LONG rightW = edge.right.Width(), rightH = edge.right.Height();
+  const CRect first = horizontal ? CRect(t.left, t.top, t.left + leftW, t.bottom)
+                                 : CRect(t.left, t.top, t.right, t.top + leftH);
+  const CRect middle = horizontal ? CRect(t.left + leftW, t.top, t.right - rightW, t.bottom)
+                                  : CRect(t.left, t.top + leftH, t.right, t.bottom - rightH);
+  const CRect last = horizontal ? CRect(t.right - rightW, t.top, t.right, t.bottom)
+                                : CRect(t.left, t.bottom - rightH, t.right, t.bottom);
+  if (!edge.left.IsRectEmpty()) RenderRect(dx, first, edge.left, nullptr);
+  if (!edge.mid.IsRectEmpty()) RenderRect(dx, middle, edge.mid, nullptr);
+  if (!edge.right.IsRectEmpty()) RenderRect(dx, last, edge.right, nullptr);
+}
+
 // --- _ImageEdgeConfig -----------------------------------------------------------
 
 _ImageEdgeConfig::_ImageEdgeConfig() { _ImageEdgeConfig::Reset(); }
@@ -64,6 +110,8 @@ void _ImageEdgeConfig::Reset() {
   _ImageConfig::Reset();
   m_bHorizontal = 1;
 }
+
+void _ImageEdgeConfig::Render(DXCore* dx, CRect target) { RenderEdge(dx, target, m_edge, m_bHorizontal); }
 
 void _ImageEdgeConfig::Caculate() {
   if (m_bHorizontal)
@@ -103,6 +151,16 @@ void _ImageBorderConfig::DivideWindow(const CRect& target, CRect (&regions)[5]) 
   regions[2].SetRect(t.right - rightW, t.top + topH, t.right, t.bottom - bottomH);
   regions[3].SetRect(t.left, t.bottom - bottomH, t.right, t.bottom);
   regions[4].SetRect(t.left + leftW, t.top + topH, t.right - rightW, t.bottom - bottomH);
+}
+
+void _ImageBorderConfig::Render(DXCore* dx, CRect target) {
+  CRect regions[5];
+  DivideWindow(target, regions);
+  const CEdge* edges[5] = {&m_edgeTop, &m_edgeLeft, &m_edgeRight, &m_edgeBottom, &m_edgeCenter};
+  const int horizontal[5] = {1, 0, 0, 1, 0};
+  for (int i = 0; i < 5; ++i) {
+    if (!regions[i].IsRectEmpty()) RenderEdge(dx, regions[i], *edges[i], horizontal[i]);
+  }
 }
 
 void _ImageBorderConfig::Caculate() {

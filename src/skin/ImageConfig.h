@@ -5,11 +5,19 @@
 // a three-part picture (two fixed ends and a stretched middle, horizontal
 // or vertical); a border image is a frame of five edge pictures. All parts
 // of one record come from its one file. The skin reader fills them
-// (CSkinReader::GetImage, Get5StateImage, Get6StateImage).
+// (CSkinReader::GetImage, Get5StateImage, Get6StateImage) and drawn
+// through a window's render device; the picture itself is loaded by the
+// device's resource cache on first draw.
+//
+// The device never clips: a record drawn inside a clip rectangle shrinks
+// its destination and its source together, so it shows exactly the part
+// of the picture the unclipped draw would show there.
 
 #include "base/Base.h"
 
 namespace KarvelUI {
+
+class DXCore;
 
 // Source rectangles of a three-part picture inside one file. For a vertical
 // edge "left" is the top end and "right" the bottom end.
@@ -26,6 +34,9 @@ class KARVELUI_API _ImageConfig {
   _ImageConfig& operator=(const _ImageConfig&) = default;
   virtual ~_ImageConfig() = default;
 
+  // Draws the source rectangle (empty: the whole picture) into target,
+  // kept inside *clip when one is given.
+  virtual void Render(DXCore* dx, CRect& target, CRect* clip);
   // Copies everything but the frame (a copied record keeps its own frame).
   // A null source does nothing.
   virtual void Copy(_ImageConfig* source);
@@ -34,6 +45,16 @@ class KARVELUI_API _ImageConfig {
   // Only names the file (empty path: 0, nothing changes); the picture is
   // loaded by the resource cache on first draw.
   int LoadImageW(const CString& path);
+
+  // One rectangle of the picture scaled into target. Nothing is drawn
+  // without a file, into an empty target, or when the whole picture is
+  // wanted but the cache cannot make it.
+  void RenderRect(DXCore* dx, const CRect& target, CRect source, const CRect* clip);
+  // A three-part picture: the ends keep their natural size along the
+  // edge's direction and are stretched across it; the middle is scaled
+  // into what lies between them (and skipped when the ends overlap).
+  // Drawn left (top), middle, right (bottom).
+  void RenderEdge(DXCore* dx, const CRect& target, const CEdge& edge, int horizontal);
 
   CString m_strFile;              // full path, already translated
   CRect m_rcSrc;                  // "Rect"; empty means the whole picture
@@ -50,9 +71,12 @@ class KARVELUI_API _ImageEdgeConfig : public _ImageConfig {
   _ImageEdgeConfig(const _ImageEdgeConfig&) = default;
   _ImageEdgeConfig& operator=(const _ImageEdgeConfig&) = default;
 
+  using _ImageConfig::Render;
   // Also copies the edge and the direction when source is an edge record.
   void Copy(_ImageConfig* source) override;
   void Reset() override;
+  // The edge into target, unclipped.
+  virtual void Render(DXCore* dx, CRect target);
 
   // Source rectangle = (0, 0, W, H), the size of the three parts laid end
   // to end: horizontal W = sum of widths, H = largest height; vertical the
@@ -69,9 +93,14 @@ class KARVELUI_API _ImageBorderConfig : public _ImageConfig {
   _ImageBorderConfig(const _ImageBorderConfig&) = default;
   _ImageBorderConfig& operator=(const _ImageBorderConfig&) = default;
 
+  using _ImageConfig::Render;
   // Also copies the five edges when source is a border record.
   void Copy(_ImageConfig* source) override;
   void Reset() override;
+  // The frame: top and bottom as horizontal edges, left, right and centre
+  // as vertical ones, each into its region of DivideWindow (empty regions
+  // are skipped), in the order top, left, right, bottom, centre.
+  virtual void Render(DXCore* dx, CRect target);
 
   // Splits target into top, left, right, bottom and centre regions (in
   // this order). The top and bottom bands span the full width and so own

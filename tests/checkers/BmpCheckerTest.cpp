@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "checkers/CheckerTesting.h"
-#include "checkers/PictureFiles.h"
+#include "support/PictureFiles.h"
 
 using KarvelUI::CBmpImageArchive;
 using namespace KarvelTest;

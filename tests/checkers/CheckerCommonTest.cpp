@@ -3,7 +3,7 @@
 #include <memory>
 
 #include "checkers/CheckerTesting.h"
-#include "checkers/PictureFiles.h"
+#include "support/PictureFiles.h"
 
 using namespace KarvelUI;
 using KarvelTest::CheckExact;

@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "checkers/CheckerTesting.h"
-#include "checkers/PictureFiles.h"
+#include "support/PictureFiles.h"
 
 using KarvelUI::CPngImageArchive;
 using namespace KarvelTest;

@@ -10,6 +10,8 @@
 #include "platform/FileSystem.h"
 #include "platform/Paths.h"
 #include "raw/DngWriter.h"
+#include "render/ResourceCache.h"
+#include "render/gpu/fake/FakeDirect3D.h"
 #include "support/TempDir.h"
 #include "support/TraceCapture.h"
 #include "thumbnails/RawSupport.h"
@@ -280,3 +282,30 @@ TEST_F(RawTest, LibraryRefusesToWriteOverTheRawFileOrIntoAMissingFolder) {
 }
 
 }  // namespace
+
+// --- the picture cache -------------------------------------------------------------
+
+TEST_F(RawTest, TheCacheShowsARawFileThroughItsCachedPreview) {
+  auto gpu = std::make_shared<KarvelUI::fake::FakeGpu>();
+  KarvelUI::D3DPRESENT_PARAMETERS params{};
+  KarvelUI::RefPtr<KarvelUI::IDirect3DDevice9> device;
+  ASSERT_EQ(KarvelUI::fake::FakeDirect3D::Create(gpu)->CreateDevice(0, KarvelUI::D3DDEVTYPE_HAL,
+                                                                    reinterpret_cast<KarvelUI::HWND>(0x1000), 0,
+                                                                    &params, device.Receive()),
+            KarvelUI::S_OK);
+  KarvelTest::DngSpec spec;  // a 256 x 192 sensor
+  spec.previews = {KarvelTest::MakePreviewJpeg(96, 64, 0x00FF00)};
+  auto [raw, jpg] = RawAndCache("IMG_0002.DNG", KarvelTest::MakeDng(spec));
+  KarvelUI::ResourceCache cache;
+  const KarvelUI::tagTextureItem* item = cache.GetTextureItem(LibraryPath(raw), device.Get());
+  ASSERT_NE(item, nullptr);
+  EXPECT_EQ(item->nImageFormat, KarvelUI::PICTURE_FORMAT_JPEG);
+  EXPECT_EQ(item->ImageInfo.Width, 96u);
+  EXPECT_TRUE(fs::exists(KarvelUI::ToNativePath(jpg)));
+
+  // Without a preview to be had, the RAW file itself is tried, and it is no picture.
+  auto [broken, brokenJpg] = RawAndCache("broken.nef", std::string(4096, 'x'));
+  KarvelTest::TraceCapture trace;
+  EXPECT_EQ(cache.GetTextureItem(LibraryPath(broken), device.Get()), nullptr);
+  EXPECT_TRUE(trace.Contains(L"<ERROR> Decode Fail: " + LibraryPath(broken).str()));
+}

@@ -1,9 +1,12 @@
-#include "checkers/PictureFiles.h"
+#include "support/PictureFiles.h"
 
 #include <FreeImage.h>
 
+#include <map>
 #include <memory>
 #include <stdexcept>
+
+#include "support/TempDir.h"
 
 namespace KarvelTest {
 namespace {
@@ -80,6 +83,89 @@ std::string MakeBmp(int width, int height, int bpp) {
     case 32: return Save(FIF_BMP, Converted(FreeImage_ConvertTo32Bits(bitmap.get())).get(), BMP_DEFAULT);
   }
   throw std::invalid_argument("unsupported BMP depth");
+}
+
+namespace {
+
+Bitmap DrawnBitmap(int width, int height, int bitsPerPixel, const PixelFunction& pixel) {
+  Bitmap bitmap(FreeImage_Allocate(width, height, bitsPerPixel), &FreeImage_Unload);
+  if (!bitmap) throw std::runtime_error("FreeImage_Allocate failed");
+  const int bytes = bitsPerPixel / 8;
+  for (int y = 0; y < height; ++y) {
+    BYTE* line = FreeImage_GetScanLine(bitmap.get(), height - 1 - y);
+    for (int x = 0; x < width; ++x) {
+      const std::uint32_t argb = pixel(x, y);
+      for (int b = 0; b < bytes; ++b) line[x * bytes + b] = static_cast<BYTE>(argb >> (8 * b));  // B, G, R, A
+    }
+  }
+  return bitmap;
+}
+
+// An 8-bit frame with a palette of the frame's colours; index 255 is
+// transparent when any pixel has alpha 0.
+Bitmap PaletteFrame(const GifFrame& frame) {
+  Bitmap bitmap(FreeImage_Allocate(frame.width, frame.height, 8), &FreeImage_Unload);
+  if (!bitmap) throw std::runtime_error("FreeImage_Allocate failed");
+  RGBQUAD* palette = FreeImage_GetPalette(bitmap.get());
+  std::map<std::uint32_t, BYTE> indices;
+  bool transparent = false;
+  for (int y = 0; y < frame.height; ++y) {
+    BYTE* line = FreeImage_GetScanLine(bitmap.get(), frame.height - 1 - y);
+    for (int x = 0; x < frame.width; ++x) {
+      const std::uint32_t argb = frame.pixel(x, y);
+      if ((argb >> 24) == 0) {
+        line[x] = 255;
+        transparent = true;
+        continue;
+      }
+      auto [at, added] = indices.emplace(argb & 0xFFFFFF, static_cast<BYTE>(indices.size()));
+      if (added && indices.size() > 255) throw std::invalid_argument("too many colours for a GIF frame");
+      palette[at->second] = RGBQUAD{BYTE(argb), BYTE(argb >> 8), BYTE(argb >> 16), 0};
+      line[x] = at->second;
+    }
+  }
+  if (transparent) FreeImage_SetTransparentIndex(bitmap.get(), 255);
+  return bitmap;
+}
+
+void SetAnimationTag(FIBITMAP* page, const char* key, FREE_IMAGE_MDTYPE type, DWORD length, const void* value) {
+  std::unique_ptr<FITAG, decltype(&FreeImage_DeleteTag)> tag(FreeImage_CreateTag(), &FreeImage_DeleteTag);
+  FreeImage_SetTagKey(tag.get(), key);
+  FreeImage_SetTagType(tag.get(), type);
+  FreeImage_SetTagCount(tag.get(), 1);
+  FreeImage_SetTagLength(tag.get(), length);
+  FreeImage_SetTagValue(tag.get(), value);
+  FreeImage_SetMetadata(FIMD_ANIMATION, page, key, tag.get());
+}
+
+}  // namespace
+
+std::string MakePicture(int format, int width, int height, int bitsPerPixel, const PixelFunction& pixel) {
+  FreeImageSession session;
+  const Bitmap bitmap = DrawnBitmap(width, height, bitsPerPixel, pixel);
+  const int flags = format == FIF_JPEG ? JPEG_QUALITYSUPERB : 0;
+  return Save(static_cast<FREE_IMAGE_FORMAT>(format), bitmap.get(), flags);
+}
+
+std::string MakeAnimatedGif(const std::vector<GifFrame>& frames) {
+  FreeImageSession session;
+  TempDir folder;
+  const std::string path = (folder.Path() / "animation.gif").string();
+  FIMULTIBITMAP* gif = FreeImage_OpenMultiBitmap(FIF_GIF, path.c_str(), TRUE, FALSE, TRUE, 0);
+  if (!gif) throw std::runtime_error("FreeImage could not create the GIF");
+  for (const GifFrame& frame : frames) {
+    const Bitmap page = PaletteFrame(frame);
+    const WORD left = static_cast<WORD>(frame.left), top = static_cast<WORD>(frame.top);
+    const DWORD time = static_cast<DWORD>(frame.frameTime);
+    const BYTE disposal = static_cast<BYTE>(frame.disposal);
+    SetAnimationTag(page.get(), "FrameLeft", FIDT_SHORT, 2, &left);
+    SetAnimationTag(page.get(), "FrameTop", FIDT_SHORT, 2, &top);
+    SetAnimationTag(page.get(), "FrameTime", FIDT_LONG, 4, &time);
+    SetAnimationTag(page.get(), "DisposalMethod", FIDT_BYTE, 1, &disposal);
+    FreeImage_AppendPage(gif, page.get());
+  }
+  FreeImage_CloseMultiBitmap(gif, 0);
+  return TempDir::Read(path);
 }
 
 std::size_t FindJpegMarker(const std::string& jpeg, unsigned char marker) {

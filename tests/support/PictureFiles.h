@@ -1,10 +1,13 @@
 #pragma once
 
-// Real picture files for the checker tests, written by the image library
-// from deterministic noise (so JPEGs carry real entropy-coded data), and the
-// small structural tools the tests use to damage them.
+// Real picture files for the tests, written by the image library: from
+// deterministic noise (so JPEGs carry real entropy-coded data) or from a
+// pixel function, animated GIFs with their frame metadata, and the small
+// structural tools the tests use to damage them.
 
 #include <cstddef>
+#include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -15,6 +18,24 @@ std::string MakePng(int width, int height, bool palette = false);
 std::string MakeGif(int width, int height);
 // bpp 1, 4, 8 (palette), 16 (5-6-5), 24 or 32.
 std::string MakeBmp(int width, int height, int bpp);
+
+// The colour (0xAARRGGBB) of the pixel at (x, y), y from the top.
+using PixelFunction = std::function<std::uint32_t(int x, int y)>;
+
+// A picture drawn by `pixel`, in the image library's format `format` (0 BMP,
+// 2 JPEG, 13 PNG, 18 TIFF) with 24 or 32 bits per pixel.
+std::string MakePicture(int format, int width, int height, int bitsPerPixel, const PixelFunction& pixel);
+
+// One frame of an animated GIF. Pixels with alpha 0 become the frame's
+// transparent colour; a frame may use at most 255 other colours.
+struct GifFrame {
+  int width = 0, height = 0;
+  int left = 0, top = 0;       // "FrameLeft", "FrameTop"
+  int frameTime = 100;         // "FrameTime", milliseconds (stored in 10 ms steps)
+  int disposal = 0;            // "DisposalMethod"
+  PixelFunction pixel;
+};
+std::string MakeAnimatedGif(const std::vector<GifFrame>& frames);
 
 // Offset of the FF that introduces the first `marker` segment of a JPEG
 // header; npos when absent.

@@ -1,0 +1,253 @@
+#include "render/PictureDecoder.h"
+
+#include <algorithm>
+#include <atomic>
+#include <climits>
+#include <cstring>
+#include <string>
+
+#include "platform/Paths.h"
+#include "platform/StdioFile.h"
+
+// After the library's headers: the image library defines TRUE and FALSE as macros.
+#include <FreeImage.h>
+
+namespace KarvelUI {
+
+void FreeImageDeleter::operator()(FIBITMAP* bitmap) const {
+  if (bitmap) FreeImage_Unload(bitmap);
+}
+
+void FreeImageDeleter::operator()(FIMULTIBITMAP* bitmap) const {
+  if (bitmap) FreeImage_CloseMultiBitmap(bitmap, 0);
+}
+
+namespace {
+
+std::atomic<std::uint64_t> g_maxPicturePixels{kDefaultMaxPicturePixels};
+
+bool IsViewerFormat(FREE_IMAGE_FORMAT format) {
+  return format == FIF_BMP || format == FIF_JPEG || format == FIF_PNG || format == FIF_TIFF || format == FIF_GIF;
+}
+
+// Switches every other decoder off, once for the process.
+void RestrictToViewerFormats() {
+  static const bool restricted = [] {
+    for (int i = 0; i < FreeImage_GetFIFCount(); ++i) {
+      const auto format = static_cast<FREE_IMAGE_FORMAT>(i);
+      FreeImage_SetPluginEnabled(format, IsViewerFormat(format) ? TRUE : FALSE);
+    }
+    return true;
+  }();
+  (void)restricted;
+}
+
+bool WithinPixelLimit(std::uint64_t width, std::uint64_t height) {
+  return width * height <= GetMaxPicturePixels();
+}
+
+// A picture file read through the decoder's I/O hooks. Reads never go past
+// the end of the file; a read the file could not satisfy marks the file as
+// cut short.
+class PictureFile {
+ public:
+  explicit PictureFile(const CString& path) { m_file.Open(path, CStdioFile::modeRead | CStdioFile::typeBinary); }
+
+  bool IsOpen() const { return m_file.IsOpen(); }
+  FreeImageIO* IO() { return &m_io; }
+  fi_handle Handle() { return this; }
+  bool WasCutShort() const { return m_bCutShort; }
+
+  bool Rewind() {
+    m_bCutShort = false;
+    return m_file.Seek(0, CStdioFile::begin);
+  }
+
+ private:
+  static PictureFile* From(fi_handle handle) { return static_cast<PictureFile*>(handle); }
+
+  // A partial item, or nothing at all where bytes were asked for, means the
+  // data ended early. (Byte-wise readers legitimately get a short last block.)
+  static unsigned DLL_CALLCONV Read(void* buffer, unsigned size, unsigned count, fi_handle handle) {
+    if (size == 0 || count == 0) return 0;
+    PictureFile* self = From(handle);
+    count = std::min(count, UINT_MAX / size);
+    const UINT wanted = size * count;
+    const UINT got = self->m_file.Read(buffer, wanted);
+    if (got < wanted && (size > 1 || got == 0)) self->m_bCutShort = true;
+    return got / size;
+  }
+  static unsigned DLL_CALLCONV Write(void*, unsigned, unsigned, fi_handle) { return 0; }
+  static int DLL_CALLCONV Seek(fi_handle handle, long offset, int origin) {
+    const auto from = origin == SEEK_CUR ? CStdioFile::current : origin == SEEK_END ? CStdioFile::end : CStdioFile::begin;
+    return From(handle)->m_file.Seek(offset, from) ? 0 : -1;
+  }
+  static long DLL_CALLCONV Tell(fi_handle handle) { return static_cast<long>(From(handle)->m_file.GetPosition()); }
+
+  CStdioFile m_file;
+  FreeImageIO m_io{&Read, &Write, &Seek, &Tell};
+  bool m_bCutShort = false;
+};
+
+// --- GIF frames ----------------------------------------------------------------
+// The decoder makes one buffer per image descriptor, as large as the
+// descriptor says, so every descriptor is measured before the file is opened.
+// The blocks are walked the way the decoder walks them.
+
+bool SkipBytes(CStdioFile& file, std::uint64_t count) {
+  return file.Seek(static_cast<std::int64_t>(count), CStdioFile::current);
+}
+
+bool SkipSubBlocks(CStdioFile& file) {
+  for (;;) {
+    BYTE length = 0;
+    if (file.Read(&length, 1) != 1) return false;
+    if (length == 0) return true;
+    if (!SkipBytes(file, length)) return false;
+  }
+}
+
+std::uint64_t ColorTableBytes(BYTE packed) { return (packed & 0x80) ? 3ull << ((packed & 0x07) + 1) : 0; }
+
+bool GifFramesWithinLimit(const CString& path) {
+  CStdioFile file;
+  if (!file.Open(path, CStdioFile::modeRead | CStdioFile::typeBinary)) return false;
+  BYTE header[13];
+  if (file.Read(header, sizeof header) != sizeof header || !SkipBytes(file, ColorTableBytes(header[10]))) return false;
+  for (;;) {
+    BYTE block = 0;
+    if (file.Read(&block, 1) != 1) return true;
+    if (block == 0x2C) {
+      BYTE descriptor[9];
+      if (file.Read(descriptor, sizeof descriptor) != sizeof descriptor) return true;
+      const unsigned width = descriptor[4] | (descriptor[5] << 8);
+      const unsigned height = descriptor[6] | (descriptor[7] << 8);
+      if (!WithinPixelLimit(width, height)) return false;
+      if (!SkipBytes(file, ColorTableBytes(descriptor[8]) + 1) || !SkipSubBlocks(file)) return true;
+    } else if (block == 0x21) {
+      if (!SkipBytes(file, 1) || !SkipSubBlocks(file)) return true;
+    } else {
+      return true;  // trailer, or a block the decoder stops at too
+    }
+  }
+}
+
+// Every page's header, read without pixels.
+bool TiffPagesWithinLimit(const std::string& native) {
+  const FIMultiBitmapPtr headers(FreeImage_OpenMultiBitmap(FIF_TIFF, native.c_str(), FALSE, TRUE, TRUE, FIF_LOAD_NOPIXELS));
+  if (!headers) return false;
+  const int pages = FreeImage_GetPageCount(headers.get());
+  for (int page = 0; page < pages; ++page) {
+    const LockedPage header(headers.get(), page);
+    if (header.Get() && !WithinPixelLimit(FreeImage_GetWidth(header.Get()), FreeImage_GetHeight(header.Get())))
+      return false;
+  }
+  return true;
+}
+
+}  // namespace
+
+std::uint64_t SetMaxPicturePixels(std::uint64_t pixels) { return g_maxPicturePixels.exchange(pixels); }
+
+std::uint64_t GetMaxPicturePixels() { return g_maxPicturePixels.load(); }
+
+int DetectPictureFormat(const CString& path) {
+  RestrictToViewerFormats();
+  PictureFile file(path);
+  if (!file.IsOpen()) return PICTURE_FORMAT_UNKNOWN;
+  const FREE_IMAGE_FORMAT format = FreeImage_GetFileTypeFromHandle(file.IO(), file.Handle(), 0);
+  return IsViewerFormat(format) ? static_cast<int>(format) : PICTURE_FORMAT_UNKNOWN;
+}
+
+bool IsMultiPageFormat(int format) { return format == PICTURE_FORMAT_GIF || format == PICTURE_FORMAT_TIFF; }
+
+FIBitmapPtr LoadPicture(const CString& path, int format) {
+  RestrictToViewerFormats();
+  const auto fif = static_cast<FREE_IMAGE_FORMAT>(format);
+  if (!IsViewerFormat(fif) || IsMultiPageFormat(format)) return nullptr;
+  PictureFile file(path);
+  if (!file.IsOpen()) return nullptr;
+  {
+    const FIBitmapPtr header(FreeImage_LoadFromHandle(fif, file.IO(), file.Handle(), FIF_LOAD_NOPIXELS));
+    if (!header || !WithinPixelLimit(FreeImage_GetWidth(header.get()), FreeImage_GetHeight(header.get())))
+      return nullptr;
+  }
+  if (!file.Rewind()) return nullptr;
+  FIBitmapPtr picture(FreeImage_LoadFromHandle(fif, file.IO(), file.Handle(), 0));
+  if (!picture || !FreeImage_HasPixels(picture.get()) || file.WasCutShort()) return nullptr;
+  return picture;
+}
+
+FIMultiBitmapPtr OpenMultiPagePicture(const CString& path, int format) {
+  RestrictToViewerFormats();
+  if (!IsMultiPageFormat(format)) return nullptr;
+  const std::string native = ToNativePath(path);
+  const bool measured = format == PICTURE_FORMAT_GIF ? GifFramesWithinLimit(path) : TiffPagesWithinLimit(native);
+  if (!measured) return nullptr;
+  return FIMultiBitmapPtr(
+      FreeImage_OpenMultiBitmap(static_cast<FREE_IMAGE_FORMAT>(format), native.c_str(), FALSE, TRUE, TRUE, 0));
+}
+
+LockedPage::LockedPage(FIMULTIBITMAP* file, int page)
+    : m_pFile(file), m_pPage(file ? FreeImage_LockPage(file, page) : nullptr) {}
+
+LockedPage::~LockedPage() {
+  if (m_pPage) FreeImage_UnlockPage(m_pFile, m_pPage, FALSE);
+}
+
+bool Is32BitPicture(FIBITMAP* picture) {
+  return picture && FreeImage_GetImageType(picture) == FIT_BITMAP && FreeImage_GetBPP(picture) == 32;
+}
+
+bool Is24BitPicture(FIBITMAP* picture) {
+  return picture && FreeImage_GetImageType(picture) == FIT_BITMAP && FreeImage_GetBPP(picture) == 24;
+}
+
+FIBitmapPtr CopyAs32Bits(FIBITMAP* picture) {
+  if (!picture || !FreeImage_HasPixels(picture)) return nullptr;
+  return FIBitmapPtr(Is32BitPicture(picture) ? FreeImage_Clone(picture) : FreeImage_ConvertTo32Bits(picture));
+}
+
+void MakeOpaque(FIBITMAP* picture) {
+  if (!Is32BitPicture(picture) || !FreeImage_HasPixels(picture)) return;
+  const unsigned width = FreeImage_GetWidth(picture);
+  for (unsigned y = 0; y < FreeImage_GetHeight(picture); ++y) {
+    BYTE* pixel = FreeImage_GetScanLine(picture, static_cast<int>(y));
+    for (unsigned x = 0; x < width; ++x, pixel += 4) pixel[FI_RGBA_ALPHA] = 0xFF;
+  }
+}
+
+bool ReadAnimationTag(FIBITMAP* page, const char* key, std::uint32_t& value) {
+  FITAG* tag = nullptr;
+  if (!page || !FreeImage_GetMetadata(FIMD_ANIMATION, page, key, &tag) || !tag) return false;
+  const void* data = FreeImage_GetTagValue(tag);
+  const DWORD length = FreeImage_GetTagLength(tag);
+  if (!data || FreeImage_GetTagCount(tag) < 1) return false;
+  switch (FreeImage_GetTagType(tag)) {
+    case FIDT_BYTE:
+    case FIDT_SBYTE:
+      if (length < 1) return false;
+      value = *static_cast<const std::uint8_t*>(data);
+      return true;
+    case FIDT_SHORT:
+    case FIDT_SSHORT: {
+      std::uint16_t v = 0;
+      if (length < sizeof v) return false;
+      std::memcpy(&v, data, sizeof v);
+      value = v;
+      return true;
+    }
+    case FIDT_LONG:
+    case FIDT_SLONG: {
+      std::uint32_t v = 0;
+      if (length < sizeof v) return false;
+      std::memcpy(&v, data, sizeof v);
+      value = v;
+      return true;
+    }
+    default:
+      return false;
+  }
+}
+
+}  // namespace KarvelUI
