@@ -296,7 +296,8 @@ inline constexpr UINT CF_TEXT = 1;
 inline constexpr UINT CF_HDROP = 15;
 inline constexpr UINT CF_UNICODETEXT = 13;
 
-// --- dialog codes ------------------------------------------------------------
+// --- dialog codes and styles ---------------------------------------------------
 inline constexpr LRESULT DLGC_WANTALLKEYS = 0x0004;
+inline constexpr DWORD DS_NOIDLEMSG = 0x00000100;
 
 }  // namespace KarvelUI

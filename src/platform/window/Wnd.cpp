@@ -440,6 +440,8 @@ BOOL UnregisterClassW(const wchar_t* className) {
   return className && WindowRegistry::Get().RemoveClass(className) ? TRUE : FALSE;
 }
 
+BOOL AdjustWindowRectEx(CRect* rect, DWORD, BOOL, DWORD) { return rect ? TRUE : FALSE; }
+
 BOOL IsWindow(HWND hwnd) { return hwnd && WindowRegistry::Get().Contains(hwnd) ? TRUE : FALSE; }
 
 BOOL DestroyWindow(HWND hwnd) {

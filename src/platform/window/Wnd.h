@@ -205,6 +205,10 @@ KARVELUI_API BOOL UnregisterClassW(const wchar_t* className);
 
 // --- the same operations by handle (FALSE/0/null for a handle that is not a window) ----------
 KARVELUI_API BOOL IsWindow(HWND hwnd);
+// Grows a client rectangle to the window rectangle of that style. The
+// desktop draws every frame outside the window here, so the rectangle is
+// left as it is.
+KARVELUI_API BOOL AdjustWindowRectEx(CRect* rect, DWORD style, BOOL menu, DWORD exStyle);
 KARVELUI_API LONG GetWindowLongW(HWND hwnd, int index);
 // GWL_STYLE and GWL_EXSTYLE keep the bits and apply those the desktop can change
 // (topmost, resizable, bordered, layered); returns the previous value.
