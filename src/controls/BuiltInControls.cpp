@@ -1,0 +1,37 @@
+// The library's own control types: the creator the skin manager consults
+// first and the prototype skin record of each type. Installed into the skin
+// manager at load, so every manager made afterwards knows them, and the
+// skin manager's theme broadcast is pointed at the live forms.
+
+#include "framework/FormConfig.h"
+#include "framework/UIForm.h"
+#include "framework/UIManager.h"
+#include "skin/SkinManager.h"
+
+namespace KarvelUI {
+
+namespace {
+
+// Exact names only: a host creator may add types but cannot replace these.
+CUIControl* CreateBuiltInControl(const CString& type) {
+  if (type == L"CUIForm") return new CUIForm();
+  return nullptr;
+}
+
+void RegisterBuiltIns(CUISkinManager& manager) {
+  manager.RegisterObjectCreateor(&CreateBuiltInControl);
+  manager.RegisterSkinCreateor(L"CUIForm", new _FormConfig());
+}
+
+struct BuiltInInstaller {
+  BuiltInInstaller() {
+    CUISkinManager::SetBuiltInRegistration(&RegisterBuiltIns);
+    CUISkinManager::SetFormsSkinChanger(&ReskinAllForms);
+  }
+};
+
+const BuiltInInstaller s_installer;
+
+}  // namespace
+
+}  // namespace KarvelUI

@@ -1,0 +1,105 @@
+#pragma once
+
+// Shared pieces of the framework tests: a control that writes what happens
+// to it into a journal, a host creator that makes it from build files, and
+// a temporary application folder with a build file and a default skin.
+
+#include <gtest/gtest.h>
+
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "framework/UIControl.h"
+#include "framework/UIForm.h"
+#include "framework/UIManager.h"
+#include "render/DXCore.h"
+#include "skin/SkinManager.h"
+#include "skin/SkinTestSupport.h"
+
+namespace KarvelTest {
+
+using namespace KarvelUI;
+
+// What the probes saw, one line per event, in order.
+inline std::vector<std::string>& Journal() {
+  static std::vector<std::string> journal;
+  return journal;
+}
+
+inline std::string Narrow(const CString& text) { return std::string(text.str().begin(), text.str().end()); }
+
+class ProbeControl : public CUIControl {
+ public:
+  explicit ProbeControl(const char* id = "", const CRect& bounds = CRect()) {
+    SetTypeName(L"ProbeControl");
+    SetObjectID(CString(id));
+    SetBounds(bounds);
+  }
+  ~ProbeControl() override {
+    if (destroyed) *destroyed = true;
+  }
+
+  void RenderSelf(DXCore* dx, CRect*) override {
+    std::ostringstream line;
+    line.precision(3);
+    line << Narrow(GetObjectID()) << " draw " << dx->GetGlobalOpacity();
+    Journal().push_back(line.str());
+  }
+  int OnMouseMessage(UINT message, UINT flags, const CPoint& point) override {
+    Journal().push_back(Narrow(GetObjectID()) + " mouse " + std::to_string(message) + " " + std::to_string(point.x) +
+                        "," + std::to_string(point.y) + (flags ? " flags " + std::to_string(flags) : ""));
+    return handlesMouse;
+  }
+  int OnKeyMessage(UINT message, UINT wParam, UINT, UINT) override {
+    Journal().push_back(Narrow(GetObjectID()) + " key " + std::to_string(message) +
+                        (wParam ? " " + std::to_string(wParam) : ""));
+    return handlesKeys;
+  }
+  void OnSetSkinData() override { Journal().push_back(Narrow(GetObjectID()) + " skin"); }
+
+  // Lets tests drive the bounds the layout would compute.
+  using CUIControl::SetBounds;
+
+  int handlesMouse = 0;
+  int handlesKeys = 0;
+  bool* destroyed = nullptr;
+};
+
+// Builds "ProbeControl" nodes of build files.
+inline CUIControl* CreateProbe(const CString& type) {
+  return type == L"ProbeControl" ? new ProbeControl() : nullptr;
+}
+
+// The journal lines that start with prefix.
+inline std::vector<std::string> JournalOf(const std::string& prefix) {
+  std::vector<std::string> lines;
+  for (const std::string& line : Journal())
+    if (line.rfind(prefix, 0) == 0) lines.push_back(line);
+  return lines;
+}
+
+// A temporary application folder with Theme\Build.xml and a default skin,
+// the skin manager reading it, and the journal emptied.
+class FrameworkTest : public SkinManagerTest {
+ protected:
+  void SetUp() override {
+    Journal().clear();
+    Write("Theme/SkinDatas.xml", R"(<SkinsRoot><Skin Name="Default" Text="Default"/></SkinsRoot>)");
+  }
+  void TearDown() override {
+    CUIManager::FreeInstance();
+    SkinManagerTest::TearDown();
+    Journal().clear();
+  }
+  // Writes the build file and the default skin, then loads them.
+  void LoadSkin(const std::string& build, const std::string& skin) {
+    Write("Theme/Build.xml", "<BuildRoot>" + build + "</BuildRoot>");
+    Write("Theme/Default/KarvelView.xml", "<UIRoot>" + skin + "</UIRoot>");
+    CUISkinManager* manager = Manager();
+    ASSERT_EQ(manager->InitSkinData(), 1);
+    manager->RegisterObjectCreateor(&CreateProbe);
+  }
+};
+
+}  // namespace KarvelTest

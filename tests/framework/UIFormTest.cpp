@@ -1,0 +1,399 @@
+// Forms: creation from the build file and skin, mouse and key routing,
+// tab order, modal loop and closing, timers, the non-client hit test and
+// min/max sizes, re-skinning and painting.
+
+#include <gmock/gmock.h>
+
+#include "animation/AnimationController.h"
+#include "foundation/CommonString.h"
+#include "framework/FormTestSupport.h"
+#include "platform/window/Screen.h"
+
+namespace KarvelTest {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+// --- creation ------------------------------------------------------------------------------
+
+TEST_F(FormTest, CreationBuildsTheTreePlacesTheWindowAndLaysTheTreeOut) {
+  LoadTestSkin();
+  CUIForm* form = MakeForm();
+  ASSERT_TRUE(created);
+  CRect window;
+  form->GetWindowRect(&window);
+  EXPECT_EQ(window, CRect(50, 40, 350, 240));  // PositionRect
+  EXPECT_EQ(form->GetBounds(), CRect(0, 0, 300, 200));
+  ASSERT_NE(Child(form, L"Two"), nullptr);
+  EXPECT_EQ(Child(form, L"Two")->GetBounds(), CRect(100, 10, 180, 50));
+  EXPECT_EQ(form->GetParentContainer(), form);
+  EXPECT_EQ(Child(form, L"Two")->GetOwnerForm(), form);
+  EXPECT_THAT(JournalOf("One skin"), ElementsAre("One skin"));
+  EXPECT_NE(form->GetRenderDevice()->GetD3DDevice(), nullptr);
+  EXPECT_EQ(gpu->Count(fake::Call::CreateDevice), 2);  // the form's and its tooltip's
+  EXPECT_EQ(CUIManager::GetInstance()->IsExist(CString(L"TestForm")), form);
+}
+
+TEST_F(FormTest, AFormWithoutBuildNodeIsNotCreated) {
+  LoadTestSkin();
+  MakeForm("Elsewhere");
+  EXPECT_FALSE(created);
+  EXPECT_EQ(gpu->Count(fake::Call::CreateDevice), 0);
+}
+
+TEST_F(FormTest, ADeviceThatCannotBeMadeGivesTheMessageBoxAndTheTraceLine) {
+  LoadTestSkin();
+  TempDir dir;
+  CommonString::GetInstance()->LoadStringTable(LibraryPath(dir.Write(
+      "s.lng", "STRID_ERROR_D3DINITFAIL=No graphics device\nSTRID_ERROR_D3DINITFAIL_TITLE=Viewer\n")));
+  gpu->FailAlways(fake::Call::CreateDevice, D3DERR_NOTAVAILABLE);
+  TraceCapture trace;
+  MakeForm();
+  EXPECT_FALSE(created);
+  EXPECT_THAT(boxes, ElementsAre("Viewer: No graphics device type 0"));
+  CString expected;
+  expected.Format(L"<ERROR> init d3d error:%d\n", D3DERR_NOTAVAILABLE);
+  EXPECT_TRUE(trace.Contains(expected.str()));
+  CommonString::FreeInstance();
+}
+
+TEST_F(FormTest, TheRootKeepsItsLayoutWhileTheClientSizeEqualsItsAnchor) {
+  LoadSkin(kFormBuild, R"(<css><CUIForm><Main PositionRect="50, 40, 300, 200"/></CUIForm></css>
+                        <ass><CUIForm><Main Bounds="0, 0, 300, 200"/></CUIForm></ass>)");
+  CUIForm* form = MakeForm();
+  ASSERT_TRUE(created);
+  // Reading the layout data emptied the bounds, and the early exit kept them so.
+  EXPECT_TRUE(form->GetBounds().IsRectEmpty());
+  form->MoveWindow(50, 40, 310, 200);
+  EXPECT_EQ(form->GetBounds(), CRect(0, 0, 310, 200));
+}
+
+// --- mouse ------------------------------------------------------------------------------------
+
+TEST_F(FormTest, HoverAndLeaveReachEachControlOnceThroughTheWindowProcedure) {
+  LoadTestSkin();
+  CUIForm* form = MakeForm();
+  Journal().clear();
+  Send(form, WM_MOUSEMOVE, 20, 20);
+  Send(form, WM_MOUSEMOVE, 30, 25);
+  Send(form, WM_MOUSEMOVE, 120, 20);
+  Send(form, WM_MOUSELEAVE, 0, 0);
+  EXPECT_THAT(Journal(), ElementsAre("One mouse 673 0,0", "One mouse 512 20,20", "One mouse 512 30,25",
+                                     "One mouse 675 0,0", "Two mouse 673 0,0", "Two mouse 512 120,20",
+                                     "Two mouse 675 0,0"));
+  EXPECT_EQ(form->GetHoverControl(), nullptr);
+}
+
+TEST_F(FormTest, RealPointerEventsHoverAndLeaveOnceEach) {
+  LoadTestSkin();
+  CUIForm* form = MakeForm();
+  Journal().clear();
+  PushMotion(form->GetSafeHwnd(), 20, 20);
+  PumpAll();
+  PushMotion(form->GetSafeHwnd(), 130, 30);
+  PumpAll();
+  PushWindowEvent(form->GetSafeHwnd(), SDL_WINDOWEVENT_LEAVE);
+  PumpAll();
+  EXPECT_THAT(JournalOf("One mouse 67"), ElementsAre("One mouse 673 0,0", "One mouse 675 0,0"));
+  EXPECT_THAT(JournalOf("Two mouse 67"), ElementsAre("Two mouse 673 0,0", "Two mouse 675 0,0"));
+}
+
+TEST_F(FormTest, TheCaptureControlGetsClicksOutsideEveryControl) {
+  LoadTestSkin();
+  CUIForm* form = MakeForm();
+  CUIControl* one = Child(form, L"One");
+  one->SetControlCapture();
+  EXPECT_EQ(GetCapture(), form->GetSafeHwnd());
+  Journal().clear();
+  Send(form, WM_LBUTTONDOWN, 290, 190, MK_LBUTTON);
+  Send(form, WM_LBUTTONUP, 150, 30);  // over Two, still One's
+  EXPECT_THAT(Journal(), ElementsAre("One mouse 513 290,190 flags 1", "One mouse 514 150,30"));
+  one->ReleaseControlCapture();
+  EXPECT_EQ(GetCapture(), nullptr);
+  Journal().clear();
+  Send(form, WM_LBUTTONDOWN, 290, 190);
+  EXPECT_THAT(Journal(), IsEmpty());
+}
+
+TEST_F(FormTest, ClicksOnDisabledControlsOrEmptySpaceReachNoControl) {
+  LoadTestSkin();
+  CUIForm* form = MakeForm();
+  Journal().clear();
+  Child(form, L"Two")->SetEnabled(FALSE);
+  Send(form, WM_LBUTTONDOWN, 120, 20);
+  EXPECT_THAT(Journal(), IsEmpty());
+  Send(form, WM_LBUTTONDOWN, 200, 150);  // no control: the root itself
+  EXPECT_THAT(Journal(), IsEmpty());
+}
+
+class RecordingMenu : public CUIPopupMenu {
+ public:
+  void Release() override { Journal().push_back("menu Release"); }
+  void ReleaseAll() override { Journal().push_back("menu ReleaseAll"); }
+};
+
+TEST_F(FormTest, AClickClosesTheActiveMenuBeforeItIsRouted) {
+  LoadTestSkin();
+  CUIForm* form = MakeForm();
+  RecordingMenu menu;
+  form->SetActiveMenu(&menu);
+  Journal().clear();
+  Send(form, WM_LBUTTONDOWN, 20, 20);
+  EXPECT_THAT(Journal(), ElementsAre("menu ReleaseAll", "menu Release", "One mouse 513 20,20"));
+  EXPECT_EQ(form->GetActiveMenu(), nullptr);
+
+  form->SetActiveMenu(&menu);
+  Journal().clear();
+  EXPECT_EQ(form->SendMessage(UI_WM_RELEASEMENU), 1);
+  EXPECT_THAT(Journal(), ElementsAre("menu Release"));
+  EXPECT_EQ(form->SendMessage(UI_WM_RELEASEMENU), 0);  // none left: the default answer
+}
+
+// --- keyboard and tab order ---------------------------------------------------------------------
+
+TEST_F(FormTest, TabCyclesThroughTheOrderAndShiftTabAlwaysLandsOnTheFirst) {
+  LoadTestSkin();
+  CUIForm* form = MakeForm();
+  CUIControl* one = Child(form, L"One");
+  CUIControl* two = Child(form, L"Two");
+  CUIControl* three = Child(form, L"Three");
+  for (CUIControl* c : {one, two, three}) form->AddTABOrder(c);
+  one->SetFocused(TRUE);
+  std::vector<CUIControl*> seen;
+  for (int i = 0; i < 3; ++i) {
+    form->SendMessage(WM_KEYDOWN, VK_TAB);
+    seen.push_back(form->GetKeyFocusControl());
+  }
+  EXPECT_THAT(seen, ElementsAre(two, three, one));
+  EXPECT_FALSE(three->IsFocused());
+
+  two->SetFocused(TRUE);
+  one->SetFocused(FALSE);
+  const HWND hwnd = form->GetSafeHwnd();
+  PushKey(hwnd, SDL_SCANCODE_LSHIFT, true);
+  PushKey(hwnd, SDL_SCANCODE_TAB, true);
+  PumpAll();
+  EXPECT_EQ(form->GetKeyFocusControl(), one);
+  PushKey(hwnd, SDL_SCANCODE_TAB, true);
+  PumpAll();
+  EXPECT_EQ(form->GetKeyFocusControl(), one);
+  PushKey(hwnd, SDL_SCANCODE_LSHIFT, false);
+  PumpAll();
+}
+
+TEST_F(FormTest, KeysGoToTheFocusControlAndFocusChangesAreAnnounced) {
+  LoadTestSkin();
+  CUIForm* form = MakeForm();
+  auto* one = static_cast<ProbeControl*>(Child(form, L"One"));
+  Journal().clear();
+  one->SetFocused(TRUE);
+  form->SendMessage(WM_KEYDOWN, VK_RIGHT);
+  Child(form, L"Two")->SetFocused(TRUE);
+  EXPECT_THAT(Journal(), ElementsAre("One key 4025", "One key 256 39", "One key 4024", "Two key 4025"));
+  Journal().clear();
+  Child(form, L"Two")->SetVisible(FALSE);
+  form->SendMessage(WM_KEYDOWN, VK_RIGHT);
+  EXPECT_THAT(Journal(), IsEmpty());
+}
+
+TEST_F(FormTest, EscapeEndsAModalFormWithZero) {
+  LoadTestSkin();
+  CUIForm* form = MakeForm("TestForm", WS_POPUP);
+  form->PostMessage(WM_KEYDOWN, VK_ESCAPE);
+  EXPECT_EQ(form->DoModal(), 0);
+  EXPECT_FALSE(IsWindow(form->GetSafeHwnd()));
+  EXPECT_FALSE(form->IsModalWnd());
+}
+
+TEST_F(FormTest, EscapeClosesAModelessFormWhichReleasesItself) {
+  LoadTestSkin();
+  bool oneGone = false;
+  CUIForm* form = MakeForm();
+  static_cast<ProbeControl*>(Child(form, L"One"))->destroyed = &oneGone;
+  form->SendMessage(WM_KEYDOWN, VK_ESCAPE);
+  PumpAll();
+  EXPECT_TRUE(oneGone);
+  EXPECT_EQ(CUIManager::GetInstance()->IsExist(CString(L"TestForm")), nullptr);
+}
+
+TEST_F(FormTest, AModalResultComesFromEndDialogAndTheModalListSeesTheForm) {
+  LoadTestSkin();
+  CUIForm* form = MakeForm("TestForm", WS_POPUP);
+  struct Inside {
+    CUIForm* form;
+    CPtrArray modal;
+    void OnTimer(unsigned int) {
+      CUIManager::GetInstance()->GetModalForms(modal);
+      CUIManager::GetInstance()->GetModalForms(modal);  // appends: listed twice
+      form->EndDialog(42);
+    }
+  } inside{form, {}};
+  ManualClock clock;
+  ASSERT_TRUE(form->RegisterTimerHandler(9, 10, UITimerHandler(&inside, &Inside::OnTimer)));
+  clock.Advance(10);
+  EXPECT_EQ(form->DoModal(), 42);
+  EXPECT_THAT(inside.modal.std_vector(), ElementsAre(form, form));
+}
+
+// --- timers -------------------------------------------------------------------------------------------
+
+TEST_F(FormTest, ATimerIdRegisteredTwiceKeepsItsFirstHandler) {
+  LoadTestSkin();
+  CUIForm* form = MakeForm();
+  ManualClock clock;
+  std::vector<std::string> fired;
+  struct Handler {
+    std::vector<std::string>* fired;
+    std::string name;
+    void On(unsigned int id) { fired->push_back(name + std::to_string(id)); }
+  } first{&fired, "first "}, second{&fired, "second "};
+  EXPECT_TRUE(form->RegisterTimerHandler(7, 100, UITimerHandler(&first, &Handler::On)));
+  EXPECT_FALSE(form->RegisterTimerHandler(7, 50, UITimerHandler(&second, &Handler::On)));
+  clock.Advance(60);
+  PumpAll();
+  EXPECT_THAT(fired, IsEmpty());
+  clock.Advance(40);
+  PumpAll();
+  EXPECT_THAT(fired, ElementsAre("first 7"));
+  form->UnRegisterTimerHandler(7);
+  clock.Advance(200);
+  PumpAll();
+  EXPECT_EQ(fired.size(), 1u);
+  EXPECT_TRUE(form->RegisterTimerHandler(7, 50, UITimerHandler(&second, &Handler::On)));
+}
+
+// --- hit test, sizes ---------------------------------------------------------------------------------------
+
+TEST_F(FormTest, AZeroBorderMarginStillGivesGripsOfSixFiveSixAndTen) {
+  LoadTestSkin();
+  CUIForm* form = MakeForm();
+  auto hit = [&](int x, int y) { return form->SendMessage(WM_NCHITTEST, 0, MAKELPARAM(50 + x, 40 + y)); };
+  EXPECT_EQ(hit(150, 100), HTCLIENT);
+  EXPECT_EQ(hit(5, 100), HTLEFT);
+  EXPECT_EQ(hit(6, 100), HTCLIENT);
+  EXPECT_EQ(hit(150, 4), HTTOP);
+  EXPECT_EQ(hit(150, 5), HTCLIENT);
+  EXPECT_EQ(hit(295, 100), HTRIGHT);
+  EXPECT_EQ(hit(294, 100), HTCLIENT);
+  EXPECT_EQ(hit(150, 191), HTBOTTOM);
+  EXPECT_EQ(hit(150, 190), HTCLIENT);
+  EXPECT_EQ(hit(2, 2), HTTOPLEFT);
+  EXPECT_EQ(hit(298, 2), HTTOPRIGHT);
+  EXPECT_EQ(hit(2, 198), HTBOTTOMLEFT);
+  EXPECT_EQ(hit(298, 198), HTBOTTOMRIGHT);
+}
+
+TEST_F(FormTest, WithoutResizeEverythingIsClientAndWithoutSkinNothingIs) {
+  LoadSkin(kFormBuild, R"(<css><CUIForm><Main PositionRect="50, 40, 300, 200" Resize="false"/></CUIForm></css>)");
+  CUIForm* form = MakeForm("TestForm", WS_POPUP | WS_VISIBLE | WS_MAXIMIZEBOX);
+  EXPECT_EQ(form->SendMessage(WM_NCHITTEST, 0, MAKELPARAM(51, 41)), HTCLIENT);
+  EXPECT_FALSE(form->GetStyle() & WS_MAXIMIZEBOX);
+  form->SetCssName(L"NoSuchEntry");
+  form->OnSkinChanged();
+  EXPECT_EQ(form->SendMessage(WM_NCHITTEST, 0, MAKELPARAM(51, 41)), HTNOWHERE);
+}
+
+class CaptionProbe : public ProbeControl, public IFormCaption {
+ public:
+  int IsHitCaption(int, int y) override { return y < 20 ? 1 : 0; }
+  void OnSize(UINT type) override { Journal().push_back("caption size " + std::to_string(type)); }
+};
+
+TEST_F(FormTest, TheFormCaptionChildDecidesWhereTheWindowIsDragged) {
+  LoadTestSkin();
+  CUIForm* form = MakeForm();
+  auto* caption = new CaptionProbe();
+  caption->SetObjectID(L"FormCaption");
+  form->RegisterControl(caption);
+  EXPECT_EQ(form->SendMessage(WM_NCHITTEST, 0, MAKELPARAM(50 + 150, 40 + 10)), HTCAPTION);
+  EXPECT_EQ(form->SendMessage(WM_NCHITTEST, 0, MAKELPARAM(50 + 150, 40 + 2)), HTCAPTION);  // before the grips
+  EXPECT_EQ(form->SendMessage(WM_NCHITTEST, 0, MAKELPARAM(50 + 150, 40 + 30)), HTCLIENT);
+  Journal().clear();
+  form->MoveWindow(50, 40, 320, 220);
+  EXPECT_THAT(JournalOf("caption"), ElementsAre("caption size 0"));
+}
+
+TEST_F(FormTest, MinimumAndMaximumSizesComeFromTheSkinAndTheWorkArea) {
+  LoadTestSkin();
+  CUIForm* form = MakeForm();
+  MINMAXINFO info;
+  form->SendMessage(WM_GETMINMAXINFO, 0, reinterpret_cast<LPARAM>(&info));
+  MONITORINFO monitor;
+  GetMonitorInfoW(MonitorFromWindow(form->GetSafeHwnd(), MONITOR_DEFAULTTONEAREST), &monitor);
+  EXPECT_EQ(info.ptMinTrackSize, CPoint(200, 120));
+  EXPECT_EQ(info.ptMaxSize, CPoint(monitor.rcWork.Width(), monitor.rcWork.Height()));
+  EXPECT_EQ(info.ptMaxTrackSize, info.ptMaxSize);
+  EXPECT_EQ(info.ptMaxPosition,
+            CPoint(monitor.rcWork.left - monitor.rcMonitor.left, monitor.rcWork.top - monitor.rcMonitor.top));
+}
+
+// --- skin changes and painting -----------------------------------------------------------------------------
+
+TEST_F(FormTest, SwitchingSkinsReskinsEveryFormWithoutMovingIt) {
+  Write("Theme/SkinDatas.xml",
+        R"(<SkinsRoot><Skin Name="Default" Text="Default"/><Skin Name="Wide" Text="Wide"/></SkinsRoot>)");
+  Write("Theme/Wide/KarvelView.xml", R"(<UIRoot><css><CUIForm>
+      <Main PositionRect="0, 0, 500, 400" BorderMargin="20, 20, 20, 20"/></CUIForm></css>
+      <ass><ProbeControl><One DockStyle="fill"/></ProbeControl></ass></UIRoot>)");
+  LoadTestSkin();
+  CUIForm* form = MakeForm();
+  Journal().clear();
+  Manager()->SetCurrentSkin(L"wide");
+  CRect window;
+  form->GetWindowRect(&window);
+  EXPECT_EQ(window, CRect(50, 40, 350, 240));
+  EXPECT_EQ(Child(form, L"One")->GetBounds(), CRect(20, 20, 280, 180));
+  EXPECT_THAT(JournalOf("One skin"), ElementsAre("One skin"));
+}
+
+TEST_F(FormTest, APaintDrawsOneFrameAndALostDeviceAsksForAnother) {
+  LoadTestSkin();
+  CUIForm* form = MakeForm();
+  gpu->ClearLog();
+  Journal().clear();
+  form->InvalidateRect(nullptr, FALSE);
+  PumpAll();
+  EXPECT_EQ(gpu->Count(fake::Call::Present), 1);
+  EXPECT_THAT(Journal(), ElementsAre("One draw 1", "Two draw 1", "Three draw 1"));
+
+  gpu->ClearLog();
+  gpu->LoseDevice();
+  form->InvalidateRect(nullptr, FALSE);
+  PumpAll();
+  EXPECT_EQ(gpu->Count(fake::Call::Present), 2);
+  EXPECT_EQ(gpu->Count(fake::Call::Reset), 1);
+}
+
+TEST_F(FormTest, AMarkedPaintCompletesTheAnimationFrame) {
+  LoadTestSkin();
+  CUIForm* form = MakeForm();
+  ManualClock clock;
+  AnimationController* controller = form->GetAnimationController();
+  auto* board = new AnimationBoard();
+  board->SetDuration(CUITimeSpan(60000));
+  board->Begin(form, 1);
+  ASSERT_TRUE(controller->GetTimerRunning());
+  clock.Advance(20);
+  PumpAll();  // the tick, the marked paint, the re-armed timer
+  EXPECT_TRUE(controller->GetTimerRunning());
+  EXPECT_GE(gpu->Count(fake::Call::Present), 1);
+  board->Stop(form);
+}
+
+// --- closing -----------------------------------------------------------------------------------------------
+
+TEST_F(FormTest, AClosedModalFormEndsWithZeroAndIgnoresEveryMessage) {
+  LoadTestSkin();
+  CUIForm* form = MakeForm("TestForm", WS_POPUP);
+  form->PostMessage(WM_CLOSE);
+  EXPECT_EQ(form->DoModal(), 0);
+  EXPECT_TRUE(form->IsClosing());
+  Journal().clear();
+  EXPECT_EQ(form->WindowProc(WM_LBUTTONDOWN, 0, MAKELPARAM(20, 20)), 1);
+  EXPECT_EQ(form->OnKeyMsg(WM_KEYDOWN, VK_ESCAPE, 1, 0), 1);
+  EXPECT_THAT(Journal(), IsEmpty());
+}
+
+}  // namespace
+}  // namespace KarvelTest
