@@ -1,0 +1,117 @@
+// karvelview: the sample photo viewer that hosts KarvelUI. It makes the
+// calls every host makes: the device object, the string table, the skin
+// data, the main form, the message loop, and the singletons freed at the end.
+//
+//   karvelview                       a window (or a screenshot without a display)
+//   karvelview --screenshot FILE     paint the main form off screen into a PNG
+//   karvelview --skin NAME           start with that skin
+//
+// The skins ("Theme"), the string table and the sample photos lie beside
+// the program.
+
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+
+#include "MainForm.h"
+#include "Screenshot.h"
+#include "foundation/CommonString.h"
+#include "framework/UIManager.h"
+#include "platform/window/MessageQueue.h"
+#include "render/DXCore.h"
+#include "skin/SkinManager.h"
+
+using namespace KarvelUI;
+
+namespace {
+
+struct Options {
+  std::string screenshot;  // empty: windowed
+  CString skin;
+};
+
+bool HasDisplay() {
+  for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY"}) {
+    const char* value = std::getenv(name);
+    if (value && *value) return true;
+  }
+  return false;
+}
+
+bool ParseOptions(int argc, char** argv, Options& options) {
+  for (int i = 1; i < argc; ++i) {
+    const std::string arg = argv[i];
+    if (arg == "--screenshot" && i + 1 < argc) {
+      options.screenshot = argv[++i];
+    } else if (arg == "--skin" && i + 1 < argc) {
+      options.skin = CString(argv[++i]);
+    } else {
+      std::fprintf(stderr, "usage: %s [--screenshot FILE.png] [--skin NAME]\n", argv[0]);
+      return false;
+    }
+  }
+  if (options.screenshot.empty() && !HasDisplay()) {
+    options.screenshot = "karvelview.png";
+    std::printf("karvelview: no display, painting off screen into %s\n", options.screenshot.c_str());
+  }
+  return true;
+}
+
+// Lets the form paint everything it has been asked to, then one frame more.
+void PaintOnce(KarvelView::CMainForm& form) {
+  MSG msg;
+  while (PeekMessageW(&msg, nullptr, 0, 0, PM_REMOVE))
+    if (!WalkPreTranslateTree(&msg)) DispatchMessageW(&msg);
+  form.OnPaint(0);
+}
+
+int RunViewer(const Options& options) {
+  CommonString* strings = CommonString::GetInstance();
+  strings->LoadStringTable(strings->GetAppPath() + L"KarvelView.lng");
+  CUISkinManager* skins = CUISkinManager::GetInstance();
+  if (!skins->InitSkinData()) {
+    std::fprintf(stderr, "karvelview: the skin files beside the program cannot be read\n");
+    return 1;
+  }
+  if (!options.skin.IsEmpty()) skins->SetCurrentSkin(options.skin);
+
+  auto* form = new KarvelView::CMainForm();  // a modeless form releases itself when closed
+  CUIManager::GetInstance()->SetMainForm(form);
+  if (!form->Open()) {
+    form->Release();
+    std::fprintf(stderr, "karvelview: the main window cannot be made\n");
+    return 1;
+  }
+  if (options.screenshot.empty()) return RunMessageLoop();
+
+  PaintOnce(*form);
+  const bool written = KarvelView::WriteScreenshot(*form->GetRenderDevice(), options.screenshot);
+  form->Release();
+  if (!written) {
+    std::fprintf(stderr, "karvelview: cannot write %s\n", options.screenshot.c_str());
+    return 1;
+  }
+  std::printf("karvelview: wrote %s\n", options.screenshot.c_str());
+  return 0;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  Options options;
+  if (!ParseOptions(argc, argv, options)) return 2;
+  // Off-screen painting needs no display: real GL through the software rasteriser.
+  if (!options.screenshot.empty()) setenv("SDL_VIDEODRIVER", "offscreen", 1);
+
+  if (FAILED(DXCore::InitInstance())) {
+    std::fprintf(stderr, "karvelview: no graphics device object\n");
+    return 1;
+  }
+  const int result = RunViewer(options);
+  CUISkinManager::FreeInstance();  // saves the chosen skin
+  CUIManager::FreeInstance();
+  CommonString::FreeInstance();
+  DXCore::ExitInstance();
+  return result;
+}
