@@ -64,6 +64,17 @@ void CUIControl::SetOwnerForm(CUIForm* form) {
     if (child) child->SetOwnerForm(form);
 }
 
+void CUIControl::LeaveForm() {
+  // A detached control may be destroyed later, out of the form's sight.
+  if (m_pOwnerForm) {
+    RemoveTooltip();
+    m_pOwnerForm->ForgetControl(this);
+  }
+  m_pOwnerForm = nullptr;
+  for (CUIControl* child : m_arrSubControls)
+    if (child) child->LeaveForm();
+}
+
 BOOL CUIControl::IsValid() { return m_pOwnerForm && m_pParentContainer ? TRUE : FALSE; }
 
 BOOL CUIControl::IsRootOfForm() const {
@@ -115,7 +126,7 @@ CUIControl* CUIControl::UnRegisterControl(const CString& id) {
     CUIControl* child = m_arrSubControls[i];
     if (child && child->m_strObjectID.CompareNoCase(id) == 0) {
       m_arrSubControls.RemoveAt(i);
-      child->SetOwnerForm(nullptr);
+      child->LeaveForm();
       child->SetParentContainer(nullptr);
       return child;
     }
@@ -129,7 +140,7 @@ BOOL CUIControl::UnRegisterControl(CUIControl* child) {
     if (m_arrSubControls[i] == child) {
       m_arrSubControls.RemoveAt(i);
       // The parent link stays: callers that move a control re-register it.
-      child->SetOwnerForm(nullptr);
+      child->LeaveForm();
       return TRUE;
     }
   }

@@ -199,6 +199,8 @@ class KARVELUI_API CUIControl : public CUIObject {
   // Each builder step of BuildFromXML for one child element.
   void BuildChildFromXML(void* childNode);
   void AdoptChild(CUIControl* child);
+  // Drops this subtree's tooltips and the form's references to it, then the form link.
+  void LeaveForm();
   void ReleaseSkinConfig();
   BOOL IsRootOfForm() const;
   void PlaceByAnchor(const CRect& parent);

@@ -7,6 +7,7 @@
 #include "animation/AnimationController.h"
 #include "foundation/CommonString.h"
 #include "framework/FormTestSupport.h"
+#include "framework/ToolTipCtrl.h"
 #include "platform/window/Screen.h"
 
 namespace KarvelTest {
@@ -393,6 +394,90 @@ TEST_F(FormTest, AClosedModalFormEndsWithZeroAndIgnoresEveryMessage) {
   EXPECT_EQ(form->WindowProc(WM_LBUTTONDOWN, 0, MAKELPARAM(20, 20)), 1);
   EXPECT_EQ(form->OnKeyMsg(WM_KEYDOWN, VK_ESCAPE, 1, 0), 1);
   EXPECT_THAT(Journal(), IsEmpty());
+}
+
+}  // namespace
+}  // namespace KarvelTest
+
+// --- tooltips ---------------------------------------------------------------------------------------------
+
+namespace KarvelTest {
+namespace {
+
+class FormTooltipTest : public FormTest {
+ protected:
+  void SetUp() override {
+    FormTest::SetUp();
+    CommonString::GetInstance()->LoadStringTable(
+        LibraryPath(m_strings.Write("s.lng", "TIP_ONE=Open a folder\nTIP_TWO=Rotate\n")));
+    std::string skin = kFormSkin;
+    skin.replace(skin.find(R"(<One Bounds)"), 4, R"(<One TipID="TIP_ONE")");
+    skin.replace(skin.find(R"(<Two Bounds)"), 4, R"(<Two TipID="TIP_TWO")");
+    LoadSkin(kFormBuild, skin);
+  }
+  void TearDown() override {
+    FormTest::TearDown();
+    CommonString::FreeInstance();
+  }
+  CToolInfo ToolOf(CUIForm* form, CUIControl* control) {
+    CToolInfo info;
+    EXPECT_TRUE(form->GetToolTipCtrl()->GetToolInfo(info, form, reinterpret_cast<UINT_PTR>(control)));
+    return info;
+  }
+
+ private:
+  TempDir m_strings;
+};
+
+TEST_F(FormTooltipTest, ControlsWithTooltipTextBecomeToolsOverTheirBounds) {
+  CUIForm* form = MakeForm();
+  CToolTipCtrl* tips = form->GetToolTipCtrl();
+  ASSERT_NE(tips->GetSafeHwnd(), nullptr);
+  EXPECT_EQ(tips->GetDelayTime(TTDT_INITIAL), 600);
+  EXPECT_EQ(tips->GetToolCount(), 2);
+  const CToolInfo one = ToolOf(form, Child(form, L"One"));
+  EXPECT_EQ(one.rect, CRect(10, 10, 90, 50));
+  EXPECT_EQ(one.strText, CString(L"Open a folder"));
+
+  Child(form, L"Two")->SetVisible(FALSE);
+  Child(form, L"One")->SetTooltipText(L"Open another folder");
+  form->AddAllSubTooltip();
+  EXPECT_EQ(tips->GetToolCount(), 1);
+  EXPECT_EQ(ToolOf(form, Child(form, L"One")).strText, CString(L"Open another folder"));
+}
+
+TEST_F(FormTooltipTest, RestingOnAControlShowsItsTipAfterTheDelay) {
+  ManualClock clock;
+  CUIForm* form = MakeForm();
+  PushMotion(form->GetSafeHwnd(), 20, 20);
+  PumpAll();
+  clock.Advance(599);
+  PumpAll();
+  EXPECT_FALSE(form->GetToolTipCtrl()->IsTipShown());
+  clock.Advance(1);
+  PumpAll();
+  EXPECT_TRUE(form->GetToolTipCtrl()->IsTipShown());
+  EXPECT_EQ(form->GetToolTipCtrl()->GetShownText(), CString(L"Open a folder"));
+}
+
+TEST_F(FormTooltipTest, ADestroyedControlTakesItsToolAndItsFocusAlong) {
+  CUIForm* form = MakeForm();
+  CUIControl* one = Child(form, L"One");
+  form->AddTABOrder(one);
+  one->SetFocused(TRUE);
+  Send(form, WM_MOUSEMOVE, 20, 20);
+  ASSERT_EQ(form->GetHoverControl(), one);
+  std::unique_ptr<CUIControl> detached(form->UnRegisterControl(CString(L"One")));
+  EXPECT_EQ(form->GetToolTipCtrl()->GetToolCount(), 1);
+  EXPECT_EQ(form->GetHoverControl(), nullptr);
+  EXPECT_EQ(form->GetKeyFocusControl(), nullptr);
+  EXPECT_EQ(form->GetNextTabCtrl(), nullptr);
+  detached.reset();  // destroyed out of the form's sight
+  Send(form, WM_MOUSEMOVE, 120, 20);
+  form->SendMessage(WM_KEYDOWN, VK_TAB);  // nothing left to walk
+  form->RemoveAllControlFromMap();
+  EXPECT_EQ(form->GetToolTipCtrl()->GetToolCount(), 0);
+  EXPECT_EQ(form->GetHoverControl(), nullptr);
 }
 
 }  // namespace
