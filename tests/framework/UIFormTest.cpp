@@ -329,6 +329,26 @@ TEST_F(FormTest, MinimumAndMaximumSizesComeFromTheSkinAndTheWorkArea) {
             CPoint(monitor.rcWork.left - monitor.rcMonitor.left, monitor.rcWork.top - monitor.rcMonitor.top));
 }
 
+TEST_F(FormTest, TheWindowIsRoundedByTheSkinAndTranslucentOnRequest) {
+  LoadSkin(kFormBuild, R"(<css><CUIForm><Main PositionRect="50, 40, 300, 200" RoundDiameters="20, 20"/>
+                        </CUIForm></css>)");
+  CUIForm* form = MakeForm();
+  Region region;
+  ASSERT_NE(form->GetWindowRgn(region), RGN_ERROR);
+  EXPECT_FALSE(region.Contains(CPoint(0, 0)));
+  EXPECT_FALSE(region.Contains(CPoint(299, 199)));
+  EXPECT_TRUE(region.Contains(CPoint(10, 10)));
+  EXPECT_TRUE(region.Contains(CPoint(299, 100)));  // the region is one pixel larger than the bounds
+
+  form->SetFormTransparent(50);
+  BYTE alpha = 0;
+  EXPECT_TRUE(form->GetExStyle() & WS_EX_LAYERED);
+  ASSERT_TRUE(form->GetLayeredWindowAttributes(nullptr, &alpha, nullptr));
+  EXPECT_EQ(alpha, 127);
+  form->SetFormTransparent(100);
+  EXPECT_FALSE(form->GetExStyle() & WS_EX_LAYERED);
+}
+
 // --- skin changes and painting -----------------------------------------------------------------------------
 
 TEST_F(FormTest, SwitchingSkinsReskinsEveryFormWithoutMovingIt) {
