@@ -217,6 +217,20 @@ void MakeOpaque(FIBITMAP* picture) {
   }
 }
 
+namespace {
+
+// A tag value of type T, when the tag holds that many bytes.
+template <class T>
+bool ReadTagValue(const void* data, DWORD length, std::uint32_t& value) {
+  T stored{};
+  if (length < sizeof stored) return false;
+  std::memcpy(&stored, data, sizeof stored);
+  value = stored;
+  return true;
+}
+
+}  // namespace
+
 bool ReadAnimationTag(FIBITMAP* page, const char* key, std::uint32_t& value) {
   FITAG* tag = nullptr;
   if (!page || !FreeImage_GetMetadata(FIMD_ANIMATION, page, key, &tag) || !tag) return false;
@@ -226,25 +240,13 @@ bool ReadAnimationTag(FIBITMAP* page, const char* key, std::uint32_t& value) {
   switch (FreeImage_GetTagType(tag)) {
     case FIDT_BYTE:
     case FIDT_SBYTE:
-      if (length < 1) return false;
-      value = *static_cast<const std::uint8_t*>(data);
-      return true;
+      return ReadTagValue<std::uint8_t>(data, length, value);
     case FIDT_SHORT:
-    case FIDT_SSHORT: {
-      std::uint16_t v = 0;
-      if (length < sizeof v) return false;
-      std::memcpy(&v, data, sizeof v);
-      value = v;
-      return true;
-    }
+    case FIDT_SSHORT:
+      return ReadTagValue<std::uint16_t>(data, length, value);
     case FIDT_LONG:
-    case FIDT_SLONG: {
-      std::uint32_t v = 0;
-      if (length < sizeof v) return false;
-      std::memcpy(&v, data, sizeof v);
-      value = v;
-      return true;
-    }
+    case FIDT_SLONG:
+      return ReadTagValue<std::uint32_t>(data, length, value);
     default:
       return false;
   }

@@ -101,12 +101,12 @@ struct KARVELUI_API FONTITEM {
 class KARVELUI_API ResourceCache {
  public:
   ResourceCache();
-  virtual ~ResourceCache();
   ResourceCache(const ResourceCache&) = delete;
   ResourceCache& operator=(const ResourceCache&) = delete;
 
   // Destroys a cache made with new.
   virtual void Release();
+  virtual ~ResourceCache();
 
   // The entry of `path` when it is ready; otherwise the file is loaded (an
   // entry that is only decoded is uploaded without reading the file). Null

@@ -1,9 +1,8 @@
 // Cached pictures drawn by the OpenGL backend in an off-screen window: what
 // reaches the back buffer.
 
-#include "gpu/GpuTestSupport.h"
+#include "dxcore/GLCoreFixture.h"
 #include "platform/Paths.h"
-#include "render/DXCore.h"
 #include "render/PictureDecoder.h"
 #include "support/PictureFiles.h"
 #include "support/TempDir.h"
@@ -13,34 +12,14 @@ using namespace KarvelTest;
 
 namespace {
 
-constexpr DWORD kBlack = 0xFF000000, kRed = 0xFFFF0000, kGreen = 0xFF00FF00, kWhite = 0xFFFFFFFF;
-
-class CachePixelTest : public ::testing::Test {
+class CachePixelTest : public GLCoreTest {
  protected:
-  void SetUp() override {
-    ASSERT_EQ(DXCore::InitInstance(), S_OK);
-    ASSERT_TRUE(OpenWindow(wnd, 120, 60));
-    core.SetWindow(wnd.m_hWnd);
-    ASSERT_EQ(core.Init(), S_OK);
-    ASSERT_EQ(core.BeginPaint(), S_OK);
-    ASSERT_EQ(core.CleanScreen(kBlack), S_OK);
-  }
-  void TearDown() override {
-    core.CleanUp();
-    DXCore::ExitInstance();
-  }
   CString Write(const std::string& name, int format, int width, int height, int bitsPerPixel,
                 const PixelFunction& pixel) {
     return FromNativePath(dir.Write(name, MakePicture(format, width, height, bitsPerPixel, pixel)).string());
   }
-  Frame EndAndRead() {
-    EXPECT_EQ(core.EndPaint(), S_OK);
-    return ReadBack(core.GetD3DDevice());
-  }
 
   TempDir dir;
-  CWnd wnd;
-  DXCore core;
 };
 
 }  // namespace

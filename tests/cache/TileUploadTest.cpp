@@ -62,18 +62,6 @@ TEST_F(CacheTest, APictureIsCutIntoQuarterTilesWithPowerOfTwoTexturesAtTheEdges)
   EXPECT_EQ(std::memcmp(&item->TextureInfo, &expected, sizeof expected), 0);
 }
 
-TEST_F(CacheTest, SmallAdaptersGetSmallerTilesAndSmallPicturesSmallTextures) {
-  gpu->caps.MaxTextureWidth = 256;  // tiles of 64 x 32
-  gpu->caps.MaxTextureHeight = 128;
-  std::vector<DWORD> pixels = BottomUpPixels(100, 20, Pattern);
-  tagTextureItem* item = Cache().LoadTextureFromMemory(L"small", Device(), pixels.data(), 100 * 20 * 4, 100, 20, 32);
-  ASSERT_NE(item, nullptr);
-  EXPECT_THAT(CallsStartingWith("CreateTexture"), ElementsAre("CreateTexture 64x32 levels=1 format=21 pool=1",
-                                                              "CreateTexture 64x32 levels=1 format=21 pool=1"));
-  EXPECT_EQ(item->Tile(1, 0)->rect, CRect(64, 0, 100, 20));
-  EXPECT_EQ(PictureTexel(item, 99, 19), Pattern(99, 19));
-}
-
 TEST_F(CacheTest, TwentyFourBitRowsGainOpaqueAlphaAndOtherDepthsAreRefused) {
   // Three rows of five pixels, each row padded to 16 bytes, bottom row first.
   std::vector<BYTE> rows(16 * 3, 0x55);

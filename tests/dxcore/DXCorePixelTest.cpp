@@ -4,43 +4,10 @@
 #include <cmath>
 
 #include "base/WinConstants.h"
-#include "gpu/GpuTestSupport.h"
-#include "render/DXCore.h"
+#include "dxcore/GLCoreFixture.h"
 
 using namespace KarvelUI;
 using namespace KarvelTest;
-
-namespace {
-
-constexpr DWORD kBlack = 0xFF000000, kWhite = 0xFFFFFFFF, kRed = 0xFFFF0000, kGreen = 0xFF00FF00;
-
-class GLCoreTest : public ::testing::Test {
- protected:
-  void SetUp() override {
-    ASSERT_EQ(DXCore::InitInstance(), S_OK);
-    ASSERT_TRUE(OpenWindow(wnd, 160, 100));
-    core.SetWindow(wnd.m_hWnd);
-    ASSERT_EQ(core.Init(), S_OK);
-    ASSERT_EQ(core.BeginPaint(), S_OK);
-    ASSERT_EQ(core.CleanScreen(kBlack), S_OK);
-  }
-  void TearDown() override {
-    core.CleanUp();
-    DXCore::ExitInstance();
-  }
-  Frame EndAndRead() {
-    EXPECT_EQ(core.EndPaint(), S_OK);
-    return ReadBack(core.GetD3DDevice());
-  }
-  RefPtr<IDirect3DTexture9> Texture(int w, int h, const std::function<DWORD(int, int)>& texel) {
-    return MakeTexture(core.GetD3DDevice(), w, h, texel);
-  }
-
-  CWnd wnd;
-  DXCore core;
-};
-
-}  // namespace
 
 TEST_F(GLCoreTest, WhiteDrawsATextureUnchangedAndOpacityHalvesFullAlpha) {
   RefPtr<IDirect3DTexture9> texture = Texture(4, 4, [](int x, int y) { return 0xFF000000u | x * 0x400000u | y * 0x40u; });
