@@ -47,7 +47,7 @@ namespace {
 
 enum class Width { Default, Char, Short, Long32, Long64 };
 
-struct Spec {
+struct Conversion {
   std::string flags;
   int width = -1;
   int precision = -1;
@@ -74,9 +74,9 @@ class Formatter {
         ++m_p;
         continue;
       }
-      Spec spec;
-      if (!ParseSpec(spec)) break;
-      Emit(spec);
+      Conversion conv;
+      if (!ParseConversion(conv)) break;
+      Emit(conv);
     }
     return m_out;
   }
@@ -95,88 +95,88 @@ class Formatter {
     return n;
   }
 
-  bool ParseSpec(Spec& spec) {
-    while (*m_p && std::wcschr(L"-+ #0", *m_p)) spec.flags += static_cast<char>(*m_p++);
+  bool ParseConversion(Conversion& conv) {
+    while (*m_p && std::wcschr(L"-+ #0", *m_p)) conv.flags += static_cast<char>(*m_p++);
     if (*m_p == L'*' || (*m_p >= L'0' && *m_p <= L'9')) {
-      spec.width = ReadNumberOrStar();
-      if (spec.width < 0) {
-        spec.flags += '-';
-        spec.width = -spec.width;
+      conv.width = ReadNumberOrStar();
+      if (conv.width < 0) {
+        conv.flags += '-';
+        conv.width = -conv.width;
       }
     }
     if (*m_p == L'.') {
       ++m_p;
-      spec.precision = ReadNumberOrStar();
-      if (spec.precision < 0) spec.precision = -1;
+      conv.precision = ReadNumberOrStar();
+      if (conv.precision < 0) conv.precision = -1;
     }
-    ParseLength(spec);
+    ParseLength(conv);
     if (!*m_p) return false;
-    spec.type = *m_p++;
+    conv.type = *m_p++;
     return true;
   }
 
-  void ParseLength(Spec& spec) {
+  void ParseLength(Conversion& conv) {
     for (;;) {
       if (std::wcsncmp(m_p, L"I64", 3) == 0) {
-        spec.size = Width::Long64, m_p += 3;
+        conv.size = Width::Long64, m_p += 3;
       } else if (std::wcsncmp(m_p, L"I32", 3) == 0) {
-        spec.size = Width::Long32, m_p += 3;
+        conv.size = Width::Long32, m_p += 3;
       } else if (*m_p == L'I' || *m_p == L'z' || *m_p == L'j' || *m_p == L't') {
-        spec.size = Width::Long64, ++m_p;
+        conv.size = Width::Long64, ++m_p;
       } else if (m_p[0] == L'l' && m_p[1] == L'l') {
-        spec.size = Width::Long64, m_p += 2;
+        conv.size = Width::Long64, m_p += 2;
       } else if (*m_p == L'l' || *m_p == L'w') {
         // Windows' long is 32 bits; for text l and w select wide characters.
-        spec.size = Width::Long32, spec.wideOverride = true, ++m_p;
+        conv.size = Width::Long32, conv.wideOverride = true, ++m_p;
       } else if (m_p[0] == L'h' && m_p[1] == L'h') {
-        spec.size = Width::Char, spec.narrowOverride = true, m_p += 2;
+        conv.size = Width::Char, conv.narrowOverride = true, m_p += 2;
       } else if (*m_p == L'h') {
-        spec.size = Width::Short, spec.narrowOverride = true, ++m_p;
+        conv.size = Width::Short, conv.narrowOverride = true, ++m_p;
       } else if (*m_p == L'L' || *m_p == L'q') {
-        spec.size = Width::Long64, ++m_p;
+        conv.size = Width::Long64, ++m_p;
       } else {
         return;
       }
     }
   }
 
-  void Emit(const Spec& spec) {
-    switch (spec.type) {
+  void Emit(const Conversion& conv) {
+    switch (conv.type) {
       case L'd': case L'i':
-        EmitSigned(spec);
+        EmitSigned(conv);
         break;
       case L'u': case L'o': case L'x': case L'X':
-        EmitUnsigned(spec);
+        EmitUnsigned(conv);
         break;
       case L'f': case L'F': case L'e': case L'E': case L'g': case L'G': case L'a': case L'A':
-        EmitDouble(spec);
+        EmitDouble(conv);
         break;
       case L'c': case L'C':
-        EmitChar(spec);
+        EmitChar(conv);
         break;
       case L's': case L'S':
-        EmitString(spec);
+        EmitString(conv);
         break;
       case L'p':
-        EmitPointer(spec);
+        EmitPointer(conv);
         break;
       case L'n':
         Next();
         break;
       default:  // unknown conversion: written as it stands
         m_out += L'%';
-        m_out += spec.type;
+        m_out += conv.type;
         break;
     }
   }
 
-  std::string NarrowSpec(const Spec& spec, const char* length, char type) const {
+  std::string NarrowConversion(const Conversion& conv, const char* length, char type) const {
     std::string f(1, '%');
-    f += spec.flags;
-    if (spec.width >= 0) f += std::to_string(spec.width);
-    if (spec.precision >= 0) {
+    f += conv.flags;
+    if (conv.width >= 0) f += std::to_string(conv.width);
+    if (conv.precision >= 0) {
       f += '.';
-      f += std::to_string(spec.precision);
+      f += std::to_string(conv.precision);
     }
     f += length;
     f += type;
@@ -197,75 +197,75 @@ class Formatter {
     for (int i = 0; i < n; ++i) m_out += static_cast<wchar_t>(static_cast<unsigned char>(big[i]));
   }
 
-  void EmitSigned(const Spec& spec) {
+  void EmitSigned(const Conversion& conv) {
     const FormatArg* a = Next();
     if (!a) return;
     long long v = a->AsSigned();
-    switch (spec.size) {
+    switch (conv.size) {
       case Width::Char: v = static_cast<signed char>(v); break;
       case Width::Short: v = static_cast<short>(v); break;
       case Width::Default: case Width::Long32: v = static_cast<std::int32_t>(v); break;
       case Width::Long64: break;
     }
-    AppendPrintf(NarrowSpec(spec, "ll", 'd'), v);
+    AppendPrintf(NarrowConversion(conv, "ll", 'd'), v);
   }
 
-  void EmitUnsigned(const Spec& spec) {
+  void EmitUnsigned(const Conversion& conv) {
     const FormatArg* a = Next();
     if (!a) return;
     unsigned long long v = a->AsUnsigned();
-    switch (spec.size) {
+    switch (conv.size) {
       case Width::Char: v = static_cast<unsigned char>(v); break;
       case Width::Short: v = static_cast<unsigned short>(v); break;
       case Width::Default: case Width::Long32: v = static_cast<std::uint32_t>(v); break;
       case Width::Long64: break;
     }
-    AppendPrintf(NarrowSpec(spec, "ll", static_cast<char>(spec.type)), v);
+    AppendPrintf(NarrowConversion(conv, "ll", static_cast<char>(conv.type)), v);
   }
 
-  void EmitDouble(const Spec& spec) {
+  void EmitDouble(const Conversion& conv) {
     const FormatArg* a = Next();
     if (!a) return;
-    AppendPrintf(NarrowSpec(spec, "", static_cast<char>(spec.type)), a->AsDouble());
+    AppendPrintf(NarrowConversion(conv, "", static_cast<char>(conv.type)), a->AsDouble());
   }
 
-  void EmitPointer(const Spec& spec) {
+  void EmitPointer(const Conversion& conv) {
     const FormatArg* a = Next();
     if (!a) return;
     // Windows prints pointers as zero-padded upper-case hexadecimal.
-    Spec hex = spec;
+    Conversion hex = conv;
     hex.type = L'X';
     hex.flags += '0';
     if (hex.width < 0) hex.width = static_cast<int>(2 * sizeof(void*));
-    AppendPrintf(NarrowSpec(hex, "ll", 'X'),
+    AppendPrintf(NarrowConversion(hex, "ll", 'X'),
                  static_cast<unsigned long long>(reinterpret_cast<std::uintptr_t>(a->AsPointer())));
   }
 
-  void Pad(std::wstring_view text, const Spec& spec) {
-    const bool left = spec.flags.find('-') != std::string::npos;
-    const size_t width = spec.width > 0 ? static_cast<size_t>(spec.width) : 0;
+  void Pad(std::wstring_view text, const Conversion& conv) {
+    const bool left = conv.flags.find('-') != std::string::npos;
+    const size_t width = conv.width > 0 ? static_cast<size_t>(conv.width) : 0;
     const size_t fill = width > text.size() ? width - text.size() : 0;
-    const wchar_t padChar = (!left && spec.flags.find('0') != std::string::npos) ? L'0' : L' ';
+    const wchar_t padChar = (!left && conv.flags.find('0') != std::string::npos) ? L'0' : L' ';
     if (!left) m_out.append(fill, padChar);
     m_out += text;
     if (left) m_out.append(fill, L' ');
   }
 
-  bool WantsNarrow(const Spec& spec, wchar_t narrowLetter) const {
-    if (spec.narrowOverride) return true;
-    if (spec.wideOverride) return false;
-    return spec.type == narrowLetter;
+  bool WantsNarrow(const Conversion& conv, wchar_t narrowLetter) const {
+    if (conv.narrowOverride) return true;
+    if (conv.wideOverride) return false;
+    return conv.type == narrowLetter;
   }
 
-  void EmitChar(const Spec& spec) {
+  void EmitChar(const Conversion& conv) {
     const FormatArg* a = Next();
     if (!a) return;
-    wchar_t c = WantsNarrow(spec, L'C') ? static_cast<wchar_t>(static_cast<unsigned char>(a->AsSigned()))
+    wchar_t c = WantsNarrow(conv, L'C') ? static_cast<wchar_t>(static_cast<unsigned char>(a->AsSigned()))
                                         : static_cast<wchar_t>(a->AsSigned());
-    Pad(std::wstring_view(&c, 1), spec);
+    Pad(std::wstring_view(&c, 1), conv);
   }
 
-  void EmitString(const Spec& spec) {
+  void EmitString(const Conversion& conv) {
     const FormatArg* a = Next();
     if (!a) return;
     std::wstring text;
@@ -278,9 +278,9 @@ class Formatter {
     }
     // The argument's own type decides how its text is read; the letter case
     // only matters for raw pointers, which carry no type.
-    if (spec.precision >= 0 && text.size() > static_cast<size_t>(spec.precision))
-      text.resize(static_cast<size_t>(spec.precision));
-    Pad(text, spec);
+    if (conv.precision >= 0 && text.size() > static_cast<size_t>(conv.precision))
+      text.resize(static_cast<size_t>(conv.precision));
+    Pad(text, conv);
   }
 
   const wchar_t* m_p;

@@ -18,7 +18,7 @@ std::int64_t ToNanos(const statx_timestamp& t) {
   return static_cast<std::int64_t>(t.tv_sec) * kNanosPerSecond + t.tv_nsec;
 }
 
-timespec ToTimespec(std::int64_t nanos) {
+timespec ToPosixTime(std::int64_t nanos) {
   timespec t{};
   t.tv_sec = static_cast<time_t>(nanos / kNanosPerSecond);
   t.tv_nsec = static_cast<long>(nanos % kNanosPerSecond);
@@ -52,7 +52,7 @@ bool GetPathStatus(const CString& path, FileStatus& status) {
 
 bool SetPathTimes(const CString& path, std::int64_t accessTime, std::int64_t modificationTime) {
   if (path.IsEmpty()) return false;
-  const timespec times[2] = {ToTimespec(accessTime), ToTimespec(modificationTime)};
+  const timespec times[2] = {ToPosixTime(accessTime), ToPosixTime(modificationTime)};
   return utimensat(AT_FDCWD, ToNativePath(path).c_str(), times, 0) == 0;
 }
 

@@ -46,7 +46,7 @@ int LastSeparator(const CString& path) {
 
 // The path without its last component; false when it has no folder part. A
 // file in the root keeps the root separator.
-bool RemoveFileSpec(const CString& path, CString& folder) {
+bool ParentFolderOf(const CString& path, CString& folder) {
   const int cut = LastSeparator(path);
   if (cut < 0) return false;
   folder = path.Left(cut == 0 ? 1 : cut);
@@ -102,7 +102,7 @@ int GetRawFileJPGPath(const CString& rawPath, CString& jpgPath) {
   CString appData;
   if (!GetAppDataPath(appData)) return 0;
   CString folder;
-  if (!RemoveFileSpec(rawPath, folder)) return 0;
+  if (!ParentFolderOf(rawPath, folder)) return 0;
   const CString h1 = Md5Hex(folder);
   const CString h2 = Md5Hex(rawPath);
   if (h1.IsEmpty() || h2.IsEmpty()) return 0;

@@ -58,18 +58,18 @@ std::string SensorPixels(int width, int height) {
   return pixels;
 }
 
-Directory SensorDirectory(const DngSpec& spec, std::uint32_t stripAt) {
+Directory SensorDirectory(const DngLayout& layout, std::uint32_t stripAt) {
   Directory d;
-  d.strip = SensorPixels(spec.sensorWidth, spec.sensorHeight);
+  d.strip = SensorPixels(layout.sensorWidth, layout.sensorHeight);
   d.entries = {Longs(254, {0}),
-               Longs(256, {std::uint32_t(spec.sensorWidth)}),
-               Longs(257, {std::uint32_t(spec.sensorHeight)}),
+               Longs(256, {std::uint32_t(layout.sensorWidth)}),
+               Longs(257, {std::uint32_t(layout.sensorHeight)}),
                Shorts(258, {16}),
                Shorts(259, {1}),
                Shorts(262, {32803}),
                Longs(273, {stripAt}),
                Shorts(277, {1}),
-               Longs(278, {std::uint32_t(spec.sensorHeight)}),
+               Longs(278, {std::uint32_t(layout.sensorHeight)}),
                Longs(279, {std::uint32_t(d.strip.size())}),
                Shorts(284, {1}),
                Shorts(33421, {2, 2}),
@@ -101,18 +101,18 @@ void AddDngTags(Directory& main, const std::vector<std::uint32_t>& subDirectorie
 }
 
 // Directories in file order, built for the given strip and directory offsets.
-std::vector<Directory> BuildDirectories(const DngSpec& spec, const std::vector<std::uint32_t>& directoryAt,
+std::vector<Directory> BuildDirectories(const DngLayout& layout, const std::vector<std::uint32_t>& directoryAt,
                                         const std::vector<std::uint32_t>& stripAt) {
   std::vector<Directory> dirs;
-  const bool hasPreview = !spec.previews.empty();
+  const bool hasPreview = !layout.previews.empty();
   if (hasPreview) {
-    dirs.push_back(PreviewDirectory(spec.previews[0], stripAt[0]));
-    dirs.push_back(SensorDirectory(spec, stripAt[1]));
-    for (std::size_t i = 1; i < spec.previews.size(); ++i)
-      dirs.push_back(PreviewDirectory(spec.previews[i], stripAt[i + 1]));
+    dirs.push_back(PreviewDirectory(layout.previews[0], stripAt[0]));
+    dirs.push_back(SensorDirectory(layout, stripAt[1]));
+    for (std::size_t i = 1; i < layout.previews.size(); ++i)
+      dirs.push_back(PreviewDirectory(layout.previews[i], stripAt[i + 1]));
     AddDngTags(dirs[0], std::vector<std::uint32_t>(directoryAt.begin() + 1, directoryAt.end()));
   } else {
-    dirs.push_back(SensorDirectory(spec, stripAt[0]));
+    dirs.push_back(SensorDirectory(layout, stripAt[0]));
     AddDngTags(dirs[0], {});
   }
   for (Directory& d : dirs)
@@ -150,11 +150,11 @@ void WriteDirectory(std::string& out, const Directory& d) {
 
 }  // namespace
 
-std::string MakeDng(const DngSpec& spec) {
-  const std::size_t count = spec.previews.empty() ? 1 : spec.previews.size() + 1;
+std::string MakeDng(const DngLayout& layout) {
+  const std::size_t count = layout.previews.empty() ? 1 : layout.previews.size() + 1;
   std::vector<std::uint32_t> directoryAt(count, 0), stripAt(count, 0);
   // Sizes do not depend on offsets: lay out once with zeros, then for real.
-  auto dirs = BuildDirectories(spec, directoryAt, stripAt);
+  auto dirs = BuildDirectories(layout, directoryAt, stripAt);
   std::uint32_t at = 8;
   for (std::size_t i = 0; i < count; ++i) {
     directoryAt[i] = at;
@@ -164,7 +164,7 @@ std::string MakeDng(const DngSpec& spec) {
     stripAt[i] = at;
     at += std::uint32_t((dirs[i].strip.size() + 1) & ~std::size_t(1));
   }
-  dirs = BuildDirectories(spec, directoryAt, stripAt);
+  dirs = BuildDirectories(layout, directoryAt, stripAt);
 
   std::string out = "II";
   Put16(out, 42);

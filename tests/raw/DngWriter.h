@@ -16,14 +16,14 @@ struct DngPreview {
   std::string jpeg;
 };
 
-struct DngSpec {
+struct DngLayout {
   int sensorWidth = 256;
   int sensorHeight = 192;
   std::vector<DngPreview> previews;
 };
 
 // The sensor image is dark in its top half and bright in its bottom half.
-std::string MakeDng(const DngSpec& spec);
+std::string MakeDng(const DngLayout& layout);
 
 // A baseline JPEG of one colour (0xRRGGBB), made with the image library.
 DngPreview MakePreviewJpeg(int width, int height, unsigned rgb);

@@ -182,7 +182,7 @@ TEST_F(RawTest, StaleJpegIsDeletedBeforeExtracting) {
 // --- the extraction library ------------------------------------------------------
 
 TEST_F(RawTest, MissingLibraryOrExportFailsAndWritesNothing) {
-  auto [raw, jpg] = RawAndCache("a.dng", KarvelTest::MakeDng(KarvelTest::DngSpec{}));
+  auto [raw, jpg] = RawAndCache("a.dng", KarvelTest::MakeDng(KarvelTest::DngLayout{}));
   KarvelTest::TraceCapture trace;
   KarvelUI::SetRawExtractorLibrary(L"KarvelNoSuchExtractor.dll");
   EXPECT_EQ(GenerateRawJPGFile(LibraryPath(raw), jpg), 0);
@@ -205,9 +205,9 @@ TEST_F(RawTest, FailedTimeCopyIsTracedWithTheSystemError) {
 }
 
 TEST_F(RawTest, EmbeddedPreviewIsWrittenAsItIsAndStampedWithTheRawAccessTime) {
-  KarvelTest::DngSpec spec;
-  spec.previews = {KarvelTest::MakePreviewJpeg(32, 24, 0xFF0000), KarvelTest::MakePreviewJpeg(96, 64, 0x00FF00)};
-  auto [raw, jpg] = RawAndCache("IMG_0001.DNG", KarvelTest::MakeDng(spec));
+  KarvelTest::DngLayout layout;
+  layout.previews = {KarvelTest::MakePreviewJpeg(32, 24, 0xFF0000), KarvelTest::MakePreviewJpeg(96, 64, 0x00FF00)};
+  auto [raw, jpg] = RawAndCache("IMG_0001.DNG", KarvelTest::MakeDng(layout));
   const fs::path jpgFile = KarvelUI::ToNativePath(jpg);
   ASSERT_EQ(GenerateRawJPGFile(LibraryPath(raw), jpg), 1);
   EXPECT_EQ(AccessTime(jpgFile), AccessTime(raw));
@@ -215,33 +215,33 @@ TEST_F(RawTest, EmbeddedPreviewIsWrittenAsItIsAndStampedWithTheRawAccessTime) {
   KarvelUI::SetRawExtractorLibrary(L"KarvelNoSuchExtractor.dll");
   EXPECT_EQ(GenerateRawJPGFile(LibraryPath(raw), jpg), 1);
   // The larger preview, byte for byte.
-  EXPECT_EQ(KarvelTest::TempDir::Read(jpgFile), spec.previews[1].jpeg);
+  EXPECT_EQ(KarvelTest::TempDir::Read(jpgFile), layout.previews[1].jpeg);
 }
 
 TEST_F(RawTest, LargestPreviewWinsWhereverItIsStored) {
-  KarvelTest::DngSpec spec;
-  spec.previews = {KarvelTest::MakePreviewJpeg(96, 64, 0x00FF00), KarvelTest::MakePreviewJpeg(32, 24, 0xFF0000)};
-  auto [raw, jpg] = RawAndCache("a.dng", KarvelTest::MakeDng(spec));
+  KarvelTest::DngLayout layout;
+  layout.previews = {KarvelTest::MakePreviewJpeg(96, 64, 0x00FF00), KarvelTest::MakePreviewJpeg(32, 24, 0xFF0000)};
+  auto [raw, jpg] = RawAndCache("a.dng", KarvelTest::MakeDng(layout));
   ASSERT_EQ(GenerateRawJPGFile(LibraryPath(raw), jpg), 1);
-  EXPECT_EQ(KarvelTest::TempDir::Read(KarvelUI::ToNativePath(jpg)), spec.previews[0].jpeg);
+  EXPECT_EQ(KarvelTest::TempDir::Read(KarvelUI::ToNativePath(jpg)), layout.previews[0].jpeg);
 }
 
 TEST_F(RawTest, StaleJpegIsReplacedByAFreshExtraction) {
-  KarvelTest::DngSpec spec;
-  spec.previews = {KarvelTest::MakePreviewJpeg(48, 32, 0x0000FF)};
-  auto [raw, jpg] = RawAndCache("a.dng", KarvelTest::MakeDng(spec));
+  KarvelTest::DngLayout layout;
+  layout.previews = {KarvelTest::MakePreviewJpeg(48, 32, 0x0000FF)};
+  auto [raw, jpg] = RawAndCache("a.dng", KarvelTest::MakeDng(layout));
   const fs::path jpgFile = KarvelUI::ToNativePath(jpg);
   m_home.Write(fs::relative(jpgFile, m_home.Path()).string(), "stale");
   SetTimes(raw, kSomeTime, kSomeTime);
   SetTimes(jpgFile, kSomeTime - kSecond, kSomeTime);
   ASSERT_EQ(GenerateRawJPGFile(LibraryPath(raw), jpg), 1);
   EXPECT_EQ(AccessTime(jpgFile), AccessTime(raw));
-  EXPECT_EQ(KarvelTest::TempDir::Read(jpgFile), spec.previews[0].jpeg);
+  EXPECT_EQ(KarvelTest::TempDir::Read(jpgFile), layout.previews[0].jpeg);
 }
 
 TEST_F(RawTest, WithoutPreviewTheSensorImageIsDevelopedAtHalfSize) {
-  KarvelTest::DngSpec spec;  // 256 x 192, dark top half, bright bottom half
-  auto [raw, jpg] = RawAndCache("a.dng", KarvelTest::MakeDng(spec));
+  KarvelTest::DngLayout layout;  // 256 x 192, dark top half, bright bottom half
+  auto [raw, jpg] = RawAndCache("a.dng", KarvelTest::MakeDng(layout));
   ASSERT_EQ(GenerateRawJPGFile(LibraryPath(raw), jpg), 1);
   const KarvelTest::DecodedJpeg decoded = KarvelTest::DecodeJpeg(KarvelTest::TempDir::Read(KarvelUI::ToNativePath(jpg)));
   EXPECT_EQ(decoded.width, 128);
@@ -256,16 +256,16 @@ TEST_F(RawTest, FailedExtractionLeavesNoFileBehind) {
   EXPECT_FALSE(fs::exists(jpgFile));
   EXPECT_TRUE(fs::is_empty(jpgFile.parent_path()));
   // A DNG cut short inside its directories fails the same way.
-  const std::string dng = KarvelTest::MakeDng(KarvelTest::DngSpec{});
+  const std::string dng = KarvelTest::MakeDng(KarvelTest::DngLayout{});
   auto [cut, cutJpg] = RawAndCache("cut.dng", dng.substr(0, 40));
   EXPECT_EQ(GenerateRawJPGFile(LibraryPath(cut), cutJpg), 0);
   EXPECT_TRUE(fs::is_empty(jpgFile.parent_path()));
 }
 
 TEST_F(RawTest, LibraryRefusesToWriteOverTheRawFileOrIntoAMissingFolder) {
-  KarvelTest::DngSpec spec;
-  spec.previews = {KarvelTest::MakePreviewJpeg(48, 32, 0x0000FF)};
-  const std::string dng = KarvelTest::MakeDng(spec);
+  KarvelTest::DngLayout layout;
+  layout.previews = {KarvelTest::MakePreviewJpeg(48, 32, 0x0000FF)};
+  const std::string dng = KarvelTest::MakeDng(layout);
   const fs::path raw = m_photos.Write("a.dng", dng);
   KarvelUI::DynamicLibrary library;
   ASSERT_TRUE(library.Load(L"ZorImgUtil.dll")) << library.LastError();
@@ -278,7 +278,7 @@ TEST_F(RawTest, LibraryRefusesToWriteOverTheRawFileOrIntoAMissingFolder) {
   EXPECT_NE(extract(rawPath.c_str(), (m_photos.Path() / "missing" / "a.jpg").wstring().c_str()), 0);
   EXPECT_EQ(KarvelTest::TempDir::Read(raw), dng);
   EXPECT_EQ(extract(rawPath.c_str(), (m_photos.Path() / "a.jpg").wstring().c_str()), 0);
-  EXPECT_EQ(KarvelTest::TempDir::Read(m_photos.Path() / "a.jpg"), spec.previews[0].jpeg);
+  EXPECT_EQ(KarvelTest::TempDir::Read(m_photos.Path() / "a.jpg"), layout.previews[0].jpeg);
 }
 
 }  // namespace
@@ -293,9 +293,9 @@ TEST_F(RawTest, TheCacheShowsARawFileThroughItsCachedPreview) {
                                                                     reinterpret_cast<KarvelUI::HWND>(0x1000), 0,
                                                                     &params, device.Receive()),
             KarvelUI::S_OK);
-  KarvelTest::DngSpec spec;  // a 256 x 192 sensor
-  spec.previews = {KarvelTest::MakePreviewJpeg(96, 64, 0x00FF00)};
-  auto [raw, jpg] = RawAndCache("IMG_0002.DNG", KarvelTest::MakeDng(spec));
+  KarvelTest::DngLayout layout;  // a 256 x 192 sensor
+  layout.previews = {KarvelTest::MakePreviewJpeg(96, 64, 0x00FF00)};
+  auto [raw, jpg] = RawAndCache("IMG_0002.DNG", KarvelTest::MakeDng(layout));
   KarvelUI::ResourceCache cache;
   const KarvelUI::tagTextureItem* item = cache.GetTextureItem(LibraryPath(raw), device.Get());
   ASSERT_NE(item, nullptr);

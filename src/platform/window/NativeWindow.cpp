@@ -54,12 +54,12 @@ void SetGLWindowAttributes() {
   SDL_GL_SetAttribute(SDL_GL_STENCIL_SIZE, 8);
 }
 
-Uint32 FlagsFor(const NativeSpec& spec) {
+Uint32 FlagsFor(const NativeOptions& options) {
   Uint32 flags = SDL_WINDOW_HIDDEN;
-  if (spec.borderless) flags |= SDL_WINDOW_BORDERLESS;
-  if (spec.resizable) flags |= SDL_WINDOW_RESIZABLE;
-  if (spec.skipTaskbar) flags |= SDL_WINDOW_SKIP_TASKBAR;
-  if (spec.topmost) flags |= SDL_WINDOW_ALWAYS_ON_TOP;
+  if (options.borderless) flags |= SDL_WINDOW_BORDERLESS;
+  if (options.resizable) flags |= SDL_WINDOW_RESIZABLE;
+  if (options.skipTaskbar) flags |= SDL_WINDOW_SKIP_TASKBAR;
+  if (options.topmost) flags |= SDL_WINDOW_ALWAYS_ON_TOP;
   return flags;
 }
 
@@ -70,13 +70,13 @@ bool DriverIs(const char* name) {
 
 // Shapes are applied through SDL's shaped windows, which only the X11
 // driver offers for borderless windows.
-bool WantsShapedWindow(const NativeSpec& spec) { return spec.borderless && DriverIs("x11"); }
+bool WantsShapedWindow(const NativeOptions& options) { return options.borderless && DriverIs("x11"); }
 
-SDL_Window* MakeSdlWindow(const NativeSpec& spec, Uint32 flags, bool shaped) {
-  const CRect& r = spec.screenRect;
+SDL_Window* MakeSdlWindow(const NativeOptions& options, Uint32 flags, bool shaped) {
+  const CRect& r = options.screenRect;
   const int w = std::max<LONG>(1, r.Width());
   const int h = std::max<LONG>(1, r.Height());
-  const std::string title = spec.title.ToUtf8();
+  const std::string title = options.title.ToUtf8();
   if (shaped) {
     SDL_Window* window = SDL_CreateShapedWindow(title.c_str(), r.left, r.top, w, h, flags);
     if (window) return window;
@@ -115,16 +115,16 @@ NativeWindow::NativeWindow(SDL_Window* window, HWND hwnd, bool shaped, bool gl, 
   SDL_SetWindowHitTest(m_window, &HitTestCallback, hwnd);
 }
 
-std::unique_ptr<NativeWindow> NativeWindow::Create(const NativeSpec& spec, HWND hwnd) {
-  const Uint32 flags = FlagsFor(spec);
-  const bool shaped = WantsShapedWindow(spec);
+std::unique_ptr<NativeWindow> NativeWindow::Create(const NativeOptions& options, HWND hwnd) {
+  const Uint32 flags = FlagsFor(options);
+  const bool shaped = WantsShapedWindow(options);
   SetGLWindowAttributes();
   bool gl = true;
-  SDL_Window* window = MakeSdlWindow(spec, flags | SDL_WINDOW_OPENGL, shaped);
+  SDL_Window* window = MakeSdlWindow(options, flags | SDL_WINDOW_OPENGL, shaped);
   if (!window) {
     // Without GL the window still works; its GL surface will report the failure.
     gl = false;
-    window = MakeSdlWindow(spec, flags, shaped);
+    window = MakeSdlWindow(options, flags, shaped);
   }
   if (!window) return nullptr;
   const bool isShaped = SDL_IsShapedWindow(window) == SDL_TRUE;
@@ -132,9 +132,9 @@ std::unique_ptr<NativeWindow> NativeWindow::Create(const NativeSpec& spec, HWND 
   if (isShaped) {
     // SDL makes shaped windows fixed-size and parks them off screen until
     // they get a shape.
-    native->SetResizable(spec.resizable);
-    native->SetShape(nullptr, spec.screenRect.Size());
-    SDL_SetWindowPosition(window, spec.screenRect.left, spec.screenRect.top);
+    native->SetResizable(options.resizable);
+    native->SetShape(nullptr, options.screenRect.Size());
+    SDL_SetWindowPosition(window, options.screenRect.left, options.screenRect.top);
   }
   return native;
 }
@@ -163,11 +163,11 @@ void NativeWindow::SetBounds(const CRect& screenRect) {
 // A resize therefore makes a new SDL window under the same handle; GL
 // contexts outlive it and are simply made current on the new one.
 void NativeWindow::Recreate(const CRect& screenRect) {
-  NativeSpec spec;
-  spec.title = CString(SDL_GetWindowTitle(m_window));
-  spec.screenRect = screenRect;
+  NativeOptions options;
+  options.title = CString(SDL_GetWindowTitle(m_window));
+  options.screenRect = screenRect;
   SetGLWindowAttributes();
-  SDL_Window* fresh = MakeSdlWindow(spec, m_flags | SDL_WINDOW_OPENGL, false);
+  SDL_Window* fresh = MakeSdlWindow(options, m_flags | SDL_WINDOW_OPENGL, false);
   if (!fresh) return;
   SDL_GLContext current = SDL_GL_GetCurrentContext();
   const bool wasCurrent = current && SDL_GL_GetCurrentWindow() == m_window;

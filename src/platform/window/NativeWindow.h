@@ -19,7 +19,7 @@ bool IsVideoThread();
 // SDL's video driver is the headless one (no desktop, surfaces fixed in size).
 bool IsHeadlessDriver();
 
-struct NativeSpec {
+struct NativeOptions {
   CString title;
   CRect screenRect;
   bool borderless = true;
@@ -31,7 +31,7 @@ struct NativeSpec {
 class NativeWindow {
  public:
   // Null when SDL cannot make the window.
-  static std::unique_ptr<NativeWindow> Create(const NativeSpec& spec, HWND hwnd);
+  static std::unique_ptr<NativeWindow> Create(const NativeOptions& options, HWND hwnd);
   ~NativeWindow();
   NativeWindow(const NativeWindow&) = delete;
   NativeWindow& operator=(const NativeWindow&) = delete;

@@ -142,17 +142,17 @@ BOOL CWnd::CreateEx(DWORD exStyle, const wchar_t* className, const wchar_t* wind
   state->rect.NormalizeRect();
   state->restoreRect = state->rect;
 
-  detail::NativeSpec spec;
-  spec.title = state->title;
-  spec.screenRect = CRect(state->rect.TopLeft() + (child ? parentState->ScreenOrigin() : CPoint()), state->rect.Size());
-  spec.borderless = child || (style & WS_CAPTION) != WS_CAPTION;
-  spec.resizable = !child && (style & WS_THICKFRAME) != 0;
-  spec.skipTaskbar = child || (exStyle & WS_EX_TOOLWINDOW) != 0;
-  spec.topmost = (exStyle & WS_EX_TOPMOST) != 0;
+  detail::NativeOptions options;
+  options.title = state->title;
+  options.screenRect = CRect(state->rect.TopLeft() + (child ? parentState->ScreenOrigin() : CPoint()), state->rect.Size());
+  options.borderless = child || (style & WS_CAPTION) != WS_CAPTION;
+  options.resizable = !child && (style & WS_THICKFRAME) != 0;
+  options.skipTaskbar = child || (exStyle & WS_EX_TOOLWINDOW) != 0;
+  options.topmost = (exStyle & WS_EX_TOPMOST) != 0;
 
   const HWND hwnd = WindowRegistry::Get().Add(this, state->queue);
   state->hwnd = hwnd;
-  state->native = detail::NativeWindow::Create(spec, hwnd);
+  state->native = detail::NativeWindow::Create(options, hwnd);
   if (!state->native) {
     WindowRegistry::Get().Remove(hwnd);
     return FALSE;
