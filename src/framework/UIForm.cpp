@@ -345,9 +345,15 @@ void CUIForm::AddSubTooltip(CUIControl* control) {
   AddOrUpdateTool(control);
 }
 
+UINT_PTR CUIForm::ToolIdOf(CWnd* owner, CUIControl* control) const {
+  // A control that is a window is that window's whole-window tool, id 0.
+  return owner == static_cast<const CWnd*>(this) ? reinterpret_cast<UINT_PTR>(control) : 0;
+}
+
 void CUIForm::AddOrUpdateTool(CUIControl* control) {
   const CString text = control->GetTooltipText();
   CWnd* window = control->GetSelfHwnd() ? CWnd::FromHandle(control->GetSelfHwnd()) : nullptr;
+  CWnd* owner = window ? window : static_cast<CWnd*>(this);
   CRect rect = control->GetBounds();
   rect.OffsetRect(-GetAnchor().left, -GetAnchor().top);
   void* known = nullptr;
@@ -355,13 +361,11 @@ void CUIForm::AddOrUpdateTool(CUIControl* control) {
     if (window)
       m_pToolTip->AddTool(window, text);
     else
-      m_pToolTip->AddTool(this, text, &rect, reinterpret_cast<UINT_PTR>(control));
-    m_mapTooltipTools[control] = window ? window : static_cast<CWnd*>(this);
+      m_pToolTip->AddTool(this, text, &rect, ToolIdOf(owner, control));
+    m_mapTooltipTools[control] = owner;
     return;
   }
-  const UINT_PTR toolId = window ? reinterpret_cast<UINT_PTR>(window->GetSafeHwnd())
-                                 : reinterpret_cast<UINT_PTR>(control);
-  CWnd* owner = window ? window : static_cast<CWnd*>(this);
+  const UINT_PTR toolId = ToolIdOf(owner, control);
   CToolInfo info;
   if (!m_pToolTip->GetToolInfo(info, owner, toolId)) return;
   if (!window && info.rect != rect) m_pToolTip->SetToolRect(owner, toolId, rect);
@@ -372,10 +376,8 @@ void CUIForm::RemoveSubTooltip(CUIControl* control) {
   if (!m_bTooltipEnabled || !m_pToolTip || !m_pToolTip->GetSafeHwnd()) return;
   void* known = nullptr;
   if (!m_mapTooltipTools.Lookup(control, known)) return;
-  auto* window = static_cast<CWnd*>(known);
-  const UINT_PTR toolId = window == static_cast<CWnd*>(this) ? reinterpret_cast<UINT_PTR>(control)
-                                                            : reinterpret_cast<UINT_PTR>(window->GetSafeHwnd());
-  m_pToolTip->DelTool(window, toolId);
+  auto* owner = static_cast<CWnd*>(known);
+  m_pToolTip->DelTool(owner, ToolIdOf(owner, control));
   m_mapTooltipTools.RemoveKey(control);
 }
 

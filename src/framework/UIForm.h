@@ -180,6 +180,7 @@ class KARVELUI_API CUIForm : public CWnd, public CUIControl {
   BOOL HandleTabKey();
   LRESULT GripHitTest(const CPoint& point, const CRect& margin);
   void AddOrUpdateTool(CUIControl* control);
+  UINT_PTR ToolIdOf(CWnd* owner, CUIControl* control) const;
 
   CUIControl* m_pCaptureControl = nullptr;
   std::unique_ptr<DXCore> m_pDXCore;

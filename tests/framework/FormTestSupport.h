@@ -33,7 +33,7 @@ class FormTest : public FrameworkTest {
     FrameworkTest::SetUp();
     ASSERT_EQ(DXCore::InitInstance(fake::FakeDirect3D::Create(gpu).Get()), S_OK);
     m_previousBox = SetMessageBoxHook([this](HWND, const CString& text, const CString& caption, UINT type) {
-      boxes.push_back(Narrow(caption) + ": " + Narrow(text) + " type " + std::to_string(type));
+      boxes.push_back(caption.ToUtf8() + ": " + text.ToUtf8() + " type " + std::to_string(type));
       return IDOK;
     });
   }

@@ -27,7 +27,6 @@ inline std::vector<std::string>& Journal() {
   return journal;
 }
 
-inline std::string Narrow(const CString& text) { return std::string(text.str().begin(), text.str().end()); }
 
 class ProbeControl : public CUIControl {
  public:
@@ -43,20 +42,20 @@ class ProbeControl : public CUIControl {
   void RenderSelf(DXCore* dx, CRect*) override {
     std::ostringstream line;
     line.precision(3);
-    line << Narrow(GetObjectID()) << " draw " << dx->GetGlobalOpacity();
+    line << GetObjectID().ToUtf8() << " draw " << dx->GetGlobalOpacity();
     Journal().push_back(line.str());
   }
   int OnMouseMessage(UINT message, UINT flags, const CPoint& point) override {
-    Journal().push_back(Narrow(GetObjectID()) + " mouse " + std::to_string(message) + " " + std::to_string(point.x) +
+    Journal().push_back(GetObjectID().ToUtf8() + " mouse " + std::to_string(message) + " " + std::to_string(point.x) +
                         "," + std::to_string(point.y) + (flags ? " flags " + std::to_string(flags) : ""));
     return handlesMouse;
   }
   int OnKeyMessage(UINT message, UINT wParam, UINT, UINT) override {
-    Journal().push_back(Narrow(GetObjectID()) + " key " + std::to_string(message) +
+    Journal().push_back(GetObjectID().ToUtf8() + " key " + std::to_string(message) +
                         (wParam ? " " + std::to_string(wParam) : ""));
     return handlesKeys;
   }
-  void OnSetSkinData() override { Journal().push_back(Narrow(GetObjectID()) + " skin"); }
+  void OnSetSkinData() override { Journal().push_back(GetObjectID().ToUtf8() + " skin"); }
 
   // Lets tests drive the bounds the layout would compute.
   using CUIControl::SetBounds;
