@@ -7,7 +7,7 @@
 
 #include <algorithm>
 
-#include "base/WinConstants.h"
+#include <karvelui/WinConstants.h>
 #include "render_support.h"
 
 using namespace KarvelUI;

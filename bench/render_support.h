@@ -6,8 +6,8 @@
 #include <cstdio>
 #include <functional>
 
-#include "platform/window/Wnd.h"
-#include "render/DXCore.h"
+#include <karvelui/Wnd.h>
+#include <karvelui/DXCore.h>
 
 namespace KarvelBench {
 

@@ -7,7 +7,7 @@
 
 #include <chrono>
 
-#include "base/WinConstants.h"
+#include <karvelui/WinConstants.h>
 #include "render_support.h"
 
 using namespace KarvelUI;

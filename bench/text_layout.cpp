@@ -10,7 +10,7 @@
 #include <cwchar>
 #include <string>
 
-#include "base/WinConstants.h"
+#include <karvelui/WinConstants.h>
 #include "render/text/TextFont.h"
 
 using namespace KarvelUI;

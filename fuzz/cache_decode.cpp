@@ -16,8 +16,8 @@
 
 #include "platform/Paths.h"
 #include "render/PictureDecoder.h"
-#include "render/ResourceCache.h"
-#include "render/gpu/fake/FakeDirect3D.h"
+#include <karvelui/ResourceCache.h>
+#include "support/FakeDirect3D.h"
 
 namespace {
 

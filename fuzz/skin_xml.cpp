@@ -22,8 +22,8 @@
 #include <string_view>
 
 #include "platform/Paths.h"
-#include "skin/SkinReader.h"
-#include "skin/XmlDocument.h"
+#include <karvelui/SkinReader.h>
+#include <karvelui/XmlDocument.h>
 #include "skin/XmlText.h"
 
 using namespace KarvelUI;

@@ -1,7 +1,7 @@
 #include "MainForm.h"
 
-#include "foundation/CommonString.h"
-#include "framework/FormConfig.h"
+#include <karvelui/CommonString.h>
+#include <karvelui/FormConfig.h>
 
 using namespace KarvelUI;
 

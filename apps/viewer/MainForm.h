@@ -3,7 +3,7 @@
 // The viewer's main window: the skin's "MainForm" build node. Closing it
 // ends the program.
 
-#include "framework/UIForm.h"
+#include <karvelui/UIForm.h>
 
 namespace KarvelView {
 

@@ -4,7 +4,7 @@
 #include <memory>
 #include <vector>
 
-#include "render/DXCore.h"
+#include <karvelui/DXCore.h>
 
 // After the library's headers: the image library defines TRUE and FALSE as macros.
 #include <FreeImage.h>

@@ -16,11 +16,11 @@
 
 #include "MainForm.h"
 #include "Screenshot.h"
-#include "foundation/CommonString.h"
-#include "framework/UIManager.h"
-#include "platform/window/MessageQueue.h"
-#include "render/DXCore.h"
-#include "skin/SkinManager.h"
+#include <karvelui/CommonString.h>
+#include <karvelui/UIManager.h>
+#include <karvelui/MessageQueue.h>
+#include <karvelui/DXCore.h>
+#include <karvelui/SkinManager.h>
 
 using namespace KarvelUI;
 

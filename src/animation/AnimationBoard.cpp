@@ -1,9 +1,9 @@
-#include "animation/AnimationBoard.h"
+#include <karvelui/AnimationBoard.h>
 
 #include <cmath>
 
-#include "animation/AnimationController.h"
-#include "foundation/BackUpdateTask.h"
+#include <karvelui/AnimationController.h>
+#include <karvelui/BackUpdateTask.h>
 
 namespace KarvelUI {
 

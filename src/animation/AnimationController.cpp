@@ -1,12 +1,12 @@
-#include "animation/AnimationController.h"
+#include <karvelui/AnimationController.h>
 
 #include <algorithm>
 #include <mutex>
 #include <unordered_map>
 
-#include "base/WinConstants.h"
-#include "foundation/BackUpdateTask.h"
-#include "platform/window/MessageQueue.h"
+#include <karvelui/WinConstants.h>
+#include <karvelui/BackUpdateTask.h>
+#include <karvelui/MessageQueue.h>
 
 namespace KarvelUI {
 namespace {

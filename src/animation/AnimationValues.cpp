@@ -1,4 +1,4 @@
-#include "animation/AnimationValues.h"
+#include <karvelui/AnimationValues.h>
 
 #include <cmath>
 #include <cstdint>

@@ -1,10 +1,10 @@
-#include "base/CString.h"
+#include <karvelui/CString.h>
 
 #include <algorithm>
 #include <cwchar>
 #include <cwctype>
 
-#include "base/TextCodec.h"
+#include <karvelui/TextCodec.h>
 
 namespace KarvelUI {
 namespace {

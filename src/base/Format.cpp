@@ -1,9 +1,9 @@
-#include "base/Format.h"
+#include <karvelui/Format.h>
 
 #include <cstdio>
 #include <cwchar>
 
-#include "base/TextCodec.h"
+#include <karvelui/TextCodec.h>
 
 namespace KarvelUI {
 

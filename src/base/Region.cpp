@@ -1,4 +1,4 @@
-#include "base/Region.h"
+#include <karvelui/Region.h>
 
 namespace KarvelUI {
 

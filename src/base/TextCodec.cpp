@@ -1,4 +1,4 @@
-#include "base/TextCodec.h"
+#include <karvelui/TextCodec.h>
 
 #include <locale.h>
 #include <wctype.h>

@@ -3,10 +3,10 @@
 // manager at load, so every manager made afterwards knows them, and the
 // skin manager's theme broadcast is pointed at the live forms.
 
-#include "framework/FormConfig.h"
-#include "framework/UIForm.h"
-#include "framework/UIManager.h"
-#include "skin/SkinManager.h"
+#include <karvelui/FormConfig.h>
+#include <karvelui/UIForm.h>
+#include <karvelui/UIManager.h>
+#include <karvelui/SkinManager.h>
 
 namespace KarvelUI {
 

@@ -1,4 +1,4 @@
-#include "foundation/BackUpdateTask.h"
+#include <karvelui/BackUpdateTask.h>
 
 #include <mutex>
 

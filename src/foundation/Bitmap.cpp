@@ -1,4 +1,4 @@
-#include "foundation/Bitmap.h"
+#include <karvelui/Bitmap.h>
 
 #include <cstdint>
 #include <cstring>

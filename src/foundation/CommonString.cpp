@@ -1,11 +1,11 @@
-#include "foundation/CommonString.h"
+#include <karvelui/CommonString.h>
 
 #include <mutex>
 
-#include "foundation/Helpers.h"
-#include "foundation/StdioFileEx.h"
+#include <karvelui/Helpers.h>
+#include <karvelui/StdioFileEx.h>
 #include "platform/FileSystem.h"
-#include "platform/MessageBox.h"
+#include <karvelui/MessageBox.h>
 #include "platform/Paths.h"
 
 namespace KarvelUI {

@@ -1,9 +1,9 @@
-#include "foundation/Helpers.h"
+#include <karvelui/Helpers.h>
 
 #include <climits>
 #include <cwchar>
 
-#include "base/TextCodec.h"
+#include <karvelui/TextCodec.h>
 #include "platform/FileSystem.h"
 #include "platform/Paths.h"
 #include "platform/Registry.h"

@@ -1,7 +1,7 @@
 #include "foundation/KarvelUIApp.h"
 
-#include "foundation/CommonString.h"
-#include "foundation/Trace.h"
+#include <karvelui/CommonString.h>
+#include <karvelui/Trace.h>
 
 namespace KarvelUI {
 

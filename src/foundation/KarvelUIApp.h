@@ -5,12 +5,12 @@
 // (trimming an oversized one); when the library is unloaded it releases the
 // log. One instance lives in the library; hosts never make their own.
 
-#include "base/Export.h"
-#include "base/Types.h"
+#include <karvelui/Export.h>
+#include <karvelui/Types.h>
 
 namespace KarvelUI {
 
-class KARVELUI_API CKarvelUIApp {
+class CKarvelUIApp {
  public:
   CKarvelUIApp() = default;
   virtual ~CKarvelUIApp() = default;

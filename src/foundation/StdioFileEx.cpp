@@ -1,8 +1,8 @@
-#include "foundation/StdioFileEx.h"
+#include <karvelui/StdioFileEx.h>
 
 #include <string>
 
-#include "base/TextCodec.h"
+#include <karvelui/TextCodec.h>
 #include "platform/CodePage.h"
 
 namespace KarvelUI {

@@ -1,4 +1,4 @@
-#include "foundation/Trace.h"
+#include <karvelui/Trace.h>
 
 #include <time.h>
 
@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
-#include "foundation/CommonString.h"
-#include "foundation/Helpers.h"
+#include <karvelui/CommonString.h>
+#include <karvelui/Helpers.h>
 #include "platform/FileSystem.h"
 
 namespace KarvelUI {

@@ -1,4 +1,4 @@
-#include "foundation/UITime.h"
+#include <karvelui/UITime.h>
 
 #include <atomic>
 #include <cmath>

@@ -1,10 +1,10 @@
-#include "foundation/WindowHelpers.h"
+#include <karvelui/WindowHelpers.h>
 
-#include "foundation/Helpers.h"
-#include "platform/MessageBox.h"
-#include "platform/window/Clipboard.h"
+#include <karvelui/Helpers.h>
+#include <karvelui/MessageBox.h>
+#include <karvelui/Clipboard.h>
 #include "platform/window/Shell.h"
-#include "platform/window/Wnd.h"
+#include <karvelui/Wnd.h>
 
 namespace KarvelUI {
 namespace {

@@ -1,6 +1,6 @@
-#include "framework/FormConfig.h"
+#include <karvelui/FormConfig.h>
 
-#include "skin/SkinReader.h"
+#include <karvelui/SkinReader.h>
 
 namespace KarvelUI {
 

@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <climits>
 
-#include "foundation/Helpers.h"
-#include "platform/window/Input.h"
-#include "platform/window/Screen.h"
-#include "render/DXCore.h"
+#include <karvelui/Helpers.h>
+#include <karvelui/Input.h>
+#include <karvelui/Screen.h>
+#include <karvelui/DXCore.h>
 
 namespace KarvelUI {
 namespace {

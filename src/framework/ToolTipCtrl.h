@@ -30,8 +30,8 @@
 #include <optional>
 #include <vector>
 
-#include "base/Export.h"
-#include "platform/window/Wnd.h"
+#include <karvelui/Export.h>
+#include <karvelui/Wnd.h>
 
 namespace KarvelUI {
 
@@ -52,7 +52,7 @@ inline constexpr UINT TTF_IDISHWND = 0x0001;  // the tool is a whole window; uId
 
 // One tool. For a whole-window tool hwnd is that window, uId its handle as
 // a number and rect is unused.
-struct KARVELUI_API CToolInfo {
+struct CToolInfo {
   UINT uFlags = 0;
   HWND hwnd = nullptr;
   UINT_PTR uId = 0;
@@ -60,7 +60,7 @@ struct KARVELUI_API CToolInfo {
   CString strText;
 };
 
-class KARVELUI_API CToolTipCtrl : public CWnd {
+class CToolTipCtrl : public CWnd {
  public:
   CToolTipCtrl();
   ~CToolTipCtrl() override;

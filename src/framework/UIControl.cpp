@@ -2,17 +2,17 @@
 // testing, input bubbling, events, capture and tooltips. Layout lives in
 // UIControlLayout.cpp.
 
-#include "framework/UIControl.h"
+#include <karvelui/UIControl.h>
 
-#include "foundation/CommonString.h"
-#include "foundation/Trace.h"
-#include "framework/UIForm.h"
-#include "platform/window/Input.h"
-#include "render/DXCore.h"
-#include "skin/SkinConfig.h"
-#include "skin/SkinManager.h"
-#include "skin/SkinReader.h"
-#include "skin/XmlDocument.h"
+#include <karvelui/CommonString.h>
+#include <karvelui/Trace.h>
+#include <karvelui/UIForm.h>
+#include <karvelui/Input.h>
+#include <karvelui/DXCore.h>
+#include <karvelui/SkinConfig.h>
+#include <karvelui/SkinManager.h>
+#include <karvelui/SkinReader.h>
+#include <karvelui/XmlDocument.h>
 
 namespace KarvelUI {
 

@@ -3,7 +3,7 @@
 // of the parent's inner area (bounds less margin), sibling after sibling in
 // child order. All rectangles are in the form's client coordinates.
 
-#include "framework/UIControl.h"
+#include <karvelui/UIControl.h>
 
 namespace KarvelUI {
 

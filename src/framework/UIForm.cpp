@@ -2,22 +2,22 @@
 // modal loop, timers and tooltips. Input routing, tab order, hit testing and
 // sizing live in UIFormInput.cpp.
 
-#include "framework/UIForm.h"
+#include <karvelui/UIForm.h>
 
-#include "animation/AnimationController.h"
-#include "foundation/BackUpdateTask.h"
-#include "foundation/CommonString.h"
-#include "foundation/Trace.h"
-#include "foundation/WindowHelpers.h"
-#include "framework/FormConfig.h"
+#include <karvelui/AnimationController.h>
+#include <karvelui/BackUpdateTask.h>
+#include <karvelui/CommonString.h>
+#include <karvelui/Trace.h>
+#include <karvelui/WindowHelpers.h>
+#include <karvelui/FormConfig.h>
 #include "framework/ToolTipCtrl.h"
-#include "framework/UIManager.h"
-#include "platform/MessageBox.h"
-#include "platform/window/Input.h"
+#include <karvelui/UIManager.h>
+#include <karvelui/MessageBox.h>
+#include <karvelui/Input.h>
 #include "platform/window/Regions.h"
-#include "platform/window/Screen.h"
-#include "render/DXCore.h"
-#include "skin/SkinManager.h"
+#include <karvelui/Screen.h>
+#include <karvelui/DXCore.h>
+#include <karvelui/SkinManager.h>
 
 namespace KarvelUI {
 

@@ -2,11 +2,11 @@
 // focus and tab order, the non-client hit test (drag and resize areas),
 // the min/max sizes and size changes.
 
-#include "framework/FormConfig.h"
-#include "framework/UIForm.h"
-#include "platform/window/Input.h"
-#include "platform/window/Screen.h"
-#include "render/DXCore.h"
+#include <karvelui/FormConfig.h>
+#include <karvelui/UIForm.h>
+#include <karvelui/Input.h>
+#include <karvelui/Screen.h>
+#include <karvelui/DXCore.h>
 
 namespace KarvelUI {
 

@@ -1,7 +1,7 @@
-#include "framework/UIManager.h"
+#include <karvelui/UIManager.h>
 
-#include "framework/UIForm.h"
-#include "platform/window/Input.h"
+#include <karvelui/UIForm.h>
+#include <karvelui/Input.h>
 
 namespace KarvelUI {
 

@@ -7,8 +7,8 @@
 #include <cstdint>
 #include <functional>
 
-#include "base/Export.h"
-#include "base/Types.h"
+#include <karvelui/Export.h>
+#include <karvelui/Types.h>
 
 namespace KarvelUI {
 
@@ -17,15 +17,15 @@ using LONGLONG = std::int64_t;
 inline constexpr LONGLONG kPerformanceFrequency = 1000000000LL;
 
 // Both return TRUE; the out-parameter receives ticks / ticks per second.
-KARVELUI_API BOOL QueryPerformanceCounter(LONGLONG* counter);
-KARVELUI_API BOOL QueryPerformanceFrequency(LONGLONG* frequency);
+BOOL QueryPerformanceCounter(LONGLONG* counter);
+BOOL QueryPerformanceFrequency(LONGLONG* frequency);
 
 using PerformanceCounterHook = std::function<LONGLONG()>;
 // Installs a hook that answers QueryPerformanceCounter (an empty function
 // restores the real counter); returns the previous hook.
-KARVELUI_API PerformanceCounterHook SetPerformanceCounterHook(PerformanceCounterHook hook);
+PerformanceCounterHook SetPerformanceCounterHook(PerformanceCounterHook hook);
 
 // Milliseconds on the same monotonic counter (hook included).
-KARVELUI_API std::uint64_t GetTickCount64();
+std::uint64_t GetTickCount64();
 
 }  // namespace KarvelUI

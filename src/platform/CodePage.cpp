@@ -1,6 +1,6 @@
 #include "platform/CodePage.h"
 
-#include "base/TextCodec.h"
+#include <karvelui/TextCodec.h>
 
 namespace KarvelUI {
 namespace {

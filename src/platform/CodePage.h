@@ -8,8 +8,8 @@
 #include <string>
 #include <string_view>
 
-#include "base/Export.h"
-#include "base/Types.h"
+#include <karvelui/Export.h>
+#include <karvelui/Types.h>
 
 namespace KarvelUI {
 
@@ -19,14 +19,14 @@ inline constexpr UINT CP_LATIN1 = 28591;
 inline constexpr UINT CP_ASCII = 20127;
 
 // The ANSI code page: always CP_UTF8 here.
-KARVELUI_API UINT GetACP();
-KARVELUI_API bool IsKnownCodePage(UINT codePage);
+UINT GetACP();
+bool IsKnownCodePage(UINT codePage);
 
 // Narrow -> wide; nullopt for an unknown code page. Bytes a page cannot
 // hold become U+FFFD.
-KARVELUI_API std::optional<std::wstring> MultiByteToWide(UINT codePage, std::string_view bytes);
+std::optional<std::wstring> MultiByteToWide(UINT codePage, std::string_view bytes);
 // Wide -> narrow; characters the page cannot hold become `replacement`.
 // nullopt for an unknown code page.
-KARVELUI_API std::optional<std::string> WideToMultiByte(UINT codePage, std::wstring_view text, char replacement = '?');
+std::optional<std::string> WideToMultiByte(UINT codePage, std::wstring_view text, char replacement = '?');
 
 }  // namespace KarvelUI

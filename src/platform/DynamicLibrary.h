@@ -7,18 +7,18 @@
 #include <string>
 #include <vector>
 
-#include "base/CString.h"
-#include "base/Export.h"
+#include <karvelui/CString.h>
+#include <karvelui/Export.h>
 
 namespace KarvelUI {
 
 // "ZorImgUtil.dll" -> "libZorImgUtil.so"; the folder part, if any, is kept
 // (library form). A name that already ends in ".so" is left alone.
-KARVELUI_API CString MapLibraryName(const CString& name);
+CString MapLibraryName(const CString& name);
 // The native paths a name is tried at, in order.
-KARVELUI_API std::vector<std::string> LibraryCandidatePaths(const CString& name);
+std::vector<std::string> LibraryCandidatePaths(const CString& name);
 
-class KARVELUI_API DynamicLibrary {
+class DynamicLibrary {
  public:
   DynamicLibrary() = default;
   ~DynamicLibrary() { Free(); }

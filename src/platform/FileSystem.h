@@ -6,8 +6,8 @@
 
 #include <cstdint>
 
-#include "base/CString.h"
-#include "base/Export.h"
+#include <karvelui/CString.h>
+#include <karvelui/Export.h>
 
 namespace KarvelUI {
 
@@ -22,21 +22,21 @@ struct FileStatus {
   bool isFolder = false;
 };
 
-KARVELUI_API bool PathExists(const CString& path);
-KARVELUI_API bool GetPathStatus(const CString& path, FileStatus& status);
+bool PathExists(const CString& path);
+bool GetPathStatus(const CString& path, FileStatus& status);
 // Sets access and modification times; creation time cannot be set here.
-KARVELUI_API bool SetPathTimes(const CString& path, std::int64_t accessTime, std::int64_t modificationTime);
-KARVELUI_API bool RemoveFile(const CString& path);
+bool SetPathTimes(const CString& path, std::int64_t accessTime, std::int64_t modificationTime);
+bool RemoveFile(const CString& path);
 
 enum class CreateFolderResult { Created, AlreadyExists, Failed };
 // Creates one folder (its parent must exist).
-KARVELUI_API CreateFolderResult CreateFolder(const CString& path);
+CreateFolderResult CreateFolder(const CString& path);
 // Creates the folder and any missing parents; true when it exists afterwards.
-KARVELUI_API bool CreateFolderTree(const CString& path);
+bool CreateFolderTree(const CString& path);
 
 // Hiding is a file attribute on the design's platform; POSIX hides by a
 // leading dot in the name instead, which would rename the file. This is a
 // deliberate no-op that reports whether the path exists.
-KARVELUI_API bool SetHiddenAttribute(const CString& path, bool hidden);
+bool SetHiddenAttribute(const CString& path, bool hidden);
 
 }  // namespace KarvelUI

@@ -7,12 +7,12 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "base/CString.h"
-#include "base/Export.h"
+#include <karvelui/CString.h>
+#include <karvelui/Export.h>
 
 namespace KarvelUI {
 
-class KARVELUI_API MappedFile {
+class MappedFile {
  public:
   MappedFile() = default;
   explicit MappedFile(const CString& path) { Open(path); }

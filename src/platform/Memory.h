@@ -2,13 +2,13 @@
 
 // Process memory services.
 
-#include "base/Export.h"
+#include <karvelui/Export.h>
 
 namespace KarvelUI {
 
 // Hands the heap's free pages back to the operating system, so that the
 // resident size drops after a large picture has been decoded and uploaded.
 // Does nothing where the C library offers no such call.
-KARVELUI_API void ReleaseFreeHeapMemory();
+void ReleaseFreeHeapMemory();
 
 }  // namespace KarvelUI

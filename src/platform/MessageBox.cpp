@@ -1,4 +1,4 @@
-#include "platform/MessageBox.h"
+#include "platform/MessageBoxHook.h"
 
 #include <SDL.h>
 
@@ -6,7 +6,7 @@
 #include <cstring>
 #include <mutex>
 
-#include "base/WinConstants.h"
+#include <karvelui/WinConstants.h>
 
 namespace KarvelUI {
 namespace {

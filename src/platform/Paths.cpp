@@ -7,7 +7,7 @@
 #include <cstdlib>
 #include <vector>
 
-#include "base/TextCodec.h"
+#include <karvelui/TextCodec.h>
 
 namespace KarvelUI {
 namespace {

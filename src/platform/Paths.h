@@ -11,28 +11,28 @@
 
 #include <string>
 
-#include "base/CString.h"
-#include "base/Export.h"
+#include <karvelui/CString.h>
+#include <karvelui/Export.h>
 
 namespace KarvelUI {
 
 // Library path (backslash form) -> native UTF-8 path.
-KARVELUI_API std::string ToNativePath(const CString& libraryPath);
+std::string ToNativePath(const CString& libraryPath);
 // Native UTF-8 path -> library path (backslash form, nothing collapsed).
-KARVELUI_API CString FromNativePath(const std::string& nativePath);
+CString FromNativePath(const std::string& nativePath);
 
 // Full path of the running program's executable, library form; empty when
 // the OS cannot tell.
-KARVELUI_API CString GetExecutablePath();
+CString GetExecutablePath();
 // Folder holding the code of this library (the shared library, or the
 // program when linked statically), native form without trailing '/'.
-KARVELUI_API std::string GetLibraryFolderNative();
+std::string GetLibraryFolderNative();
 // Folder of the running program, native form without trailing '/'.
-KARVELUI_API std::string GetExecutableFolderNative();
+std::string GetExecutableFolderNative();
 
 // The user's data folder (XDG data home: $XDG_DATA_HOME, else
 // $HOME/.local/share), library form without trailing separator. False when
 // no home folder can be found.
-KARVELUI_API bool GetUserDataFolder(CString& folder);
+bool GetUserDataFolder(CString& folder);
 
 }  // namespace KarvelUI

@@ -5,7 +5,7 @@
 #include <optional>
 #include <string>
 
-#include "base/TextCodec.h"
+#include <karvelui/TextCodec.h>
 
 namespace KarvelUI {
 namespace {

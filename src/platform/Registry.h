@@ -19,14 +19,14 @@
 #include <utility>
 #include <vector>
 
-#include "base/CString.h"
-#include "base/Export.h"
+#include <karvelui/CString.h>
+#include <karvelui/Export.h>
 
 namespace KarvelUI {
 
 enum class RegistryRoot { ClassesRoot, CurrentUser, LocalMachine };
 
-class KARVELUI_API RegistryKey {
+class RegistryKey {
  public:
   // Opens root\path; false (and an empty key) when it does not exist.
   // Access rights do not matter: the view is read-only.
@@ -47,6 +47,6 @@ struct DesktopBrowser {
   CString desktopId;  // e.g. "firefox.desktop"; empty when none is set
   CString command;    // command line with "%1" for the URL
 };
-KARVELUI_API DesktopBrowser FindDesktopBrowser(const char* scheme);
+DesktopBrowser FindDesktopBrowser(const char* scheme);
 
 }  // namespace KarvelUI

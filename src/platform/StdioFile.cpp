@@ -1,4 +1,4 @@
-#include "platform/StdioFile.h"
+#include <karvelui/StdioFile.h>
 
 #include <fcntl.h>
 #include <sys/stat.h>

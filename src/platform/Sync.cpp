@@ -1,4 +1,4 @@
-#include "platform/Sync.h"
+#include <karvelui/Sync.h>
 
 #include <chrono>
 

@@ -4,8 +4,8 @@
 // is never the NT one here, so code that branches on "NT 6.x" takes its
 // other path on this system.
 
-#include "base/Export.h"
-#include "base/Types.h"
+#include <karvelui/Export.h>
+#include <karvelui/Types.h>
 
 namespace KarvelUI {
 
@@ -23,6 +23,6 @@ struct OSVersionInfo {
 
 // The kernel release's first two numbers as major and minor version; false
 // when the system does not tell.
-KARVELUI_API bool GetOSVersionInfo(OSVersionInfo& info);
+bool GetOSVersionInfo(OSVersionInfo& info);
 
 }  // namespace KarvelUI

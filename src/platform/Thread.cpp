@@ -1,4 +1,4 @@
-#include "platform/Thread.h"
+#include <karvelui/Thread.h>
 
 #include <chrono>
 #include <system_error>

@@ -1,10 +1,10 @@
-#include "render/DXCore.h"
+#include <karvelui/DXCore.h>
 
 #include <algorithm>
 
-#include "foundation/BackUpdateTask.h"
-#include "foundation/Trace.h"
-#include "render/gpu/D3DMath.h"
+#include <karvelui/BackUpdateTask.h>
+#include <karvelui/Trace.h>
+#include <karvelui/D3DMath.h>
 
 namespace KarvelUI {
 

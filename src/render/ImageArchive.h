@@ -16,12 +16,12 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "base/Base.h"
+#include <karvelui/Base.h>
 #include "platform/MappedFile.h"
 
 namespace KarvelUI {
 
-class KARVELUI_API CImageArchive {
+class CImageArchive {
  public:
   CImageArchive() = default;
   CImageArchive(const CImageArchive&) = delete;
@@ -60,7 +60,7 @@ class KARVELUI_API CImageArchive {
   DWORD m_nSize = 0;  // low 32 bits of the file size
 };
 
-class KARVELUI_API CJpgImageArchive : public CImageArchive {
+class CJpgImageArchive : public CImageArchive {
  public:
   int Open(const wchar_t* path) override;
   UINT GetHeight() override { return m_nHeight; }
@@ -83,7 +83,7 @@ class KARVELUI_API CJpgImageArchive : public CImageArchive {
   DWORD m_nWidth = 0;
 };
 
-class KARVELUI_API CGifImageArchive : public CImageArchive {
+class CGifImageArchive : public CImageArchive {
  public:
   int Open(const wchar_t* path) override;
   UINT GetHeight() override { return m_nHeight; }
@@ -116,7 +116,7 @@ class KARVELUI_API CGifImageArchive : public CImageArchive {
   DWORD m_nTrailerOffset = 0;  // just after the trailer byte; 0 until seen
 };
 
-class KARVELUI_API CPngImageArchive : public CImageArchive {
+class CPngImageArchive : public CImageArchive {
  public:
   int Open(const wchar_t* path) override;
   UINT GetHeight() override { return m_nHeight; }
@@ -133,7 +133,7 @@ class KARVELUI_API CPngImageArchive : public CImageArchive {
   DWORD m_nEndOffset = 0;  // just after the IEND chunk's CRC
 };
 
-class KARVELUI_API CBmpImageArchive : public CImageArchive {
+class CBmpImageArchive : public CImageArchive {
  public:
   int Open(const wchar_t* path) override;
   UINT GetHeight() override { return m_nHeight; }

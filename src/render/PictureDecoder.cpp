@@ -7,7 +7,7 @@
 #include <string>
 
 #include "platform/Paths.h"
-#include "platform/StdioFile.h"
+#include <karvelui/StdioFile.h>
 
 // After the library's headers: the image library defines TRUE and FALSE as macros.
 #include <FreeImage.h>

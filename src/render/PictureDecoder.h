@@ -7,7 +7,7 @@
 //   TIFF. Every other decoder of the image library is switched off for the
 //   whole process the first time a picture is examined, and a file detected
 //   as anything else counts as unknown. (Camera RAW files reach the decoder
-//   as the JPEG previews of thumbnails/RawSupport.h, never as RAW data.)
+//   as the JPEG previews of raw/RawSupport.h, never as RAW data.)
 // - A picture larger than GetMaxPicturePixels() (width x height; 200
 //   megapixels unless changed) is refused from its header, before any pixel
 //   buffer exists. Multi-page files are measured page by page before the
@@ -21,8 +21,8 @@
 #include <cstdint>
 #include <memory>
 
-#include "base/CString.h"
-#include "base/Export.h"
+#include <karvelui/CString.h>
+#include <karvelui/Export.h>
 
 // The image library's types (global, as it declares them).
 struct FIBITMAP;
@@ -52,26 +52,26 @@ inline constexpr std::uint64_t kDefaultMaxPicturePixels = 200000000;
 
 // The largest picture (width x height) the decoder accepts. Returns the
 // previous limit; tests and the fuzz target lower it.
-KARVELUI_API std::uint64_t SetMaxPicturePixels(std::uint64_t pixels);
-KARVELUI_API std::uint64_t GetMaxPicturePixels();
+std::uint64_t SetMaxPicturePixels(std::uint64_t pixels);
+std::uint64_t GetMaxPicturePixels();
 
 // The file's format, or PICTURE_FORMAT_UNKNOWN when it cannot be read or is
 // not one of the formats the viewer decodes.
-KARVELUI_API int DetectPictureFormat(const CString& path);
+int DetectPictureFormat(const CString& path);
 // GIF and TIFF: opened page by page.
-KARVELUI_API bool IsMultiPageFormat(int format);
+bool IsMultiPageFormat(int format);
 
 // A single-page picture as the decoder delivers it; null when it is too
 // large, cut short or cannot be decoded.
-KARVELUI_API FIBitmapPtr LoadPicture(const CString& path, int format);
+FIBitmapPtr LoadPicture(const CString& path, int format);
 
 // A multi-page file opened read-only, its pages kept in memory once read;
 // null when it cannot be opened or any page is larger than the limit.
-KARVELUI_API FIMultiBitmapPtr OpenMultiPagePicture(const CString& path, int format);
+FIMultiBitmapPtr OpenMultiPagePicture(const CString& path, int format);
 
 // One page of a multi-page file, locked for as long as the object lives and
 // handed back unchanged.
-class KARVELUI_API LockedPage {
+class LockedPage {
  public:
   LockedPage(FIMULTIBITMAP* file, int page);
   ~LockedPage();
@@ -86,16 +86,16 @@ class KARVELUI_API LockedPage {
 };
 
 // True for a 32-bit picture of ordinary (blue, green, red, alpha) pixels.
-KARVELUI_API bool Is32BitPicture(FIBITMAP* picture);
+bool Is32BitPicture(FIBITMAP* picture);
 // True for a 24-bit picture of ordinary (blue, green, red) pixels.
-KARVELUI_API bool Is24BitPicture(FIBITMAP* picture);
+bool Is24BitPicture(FIBITMAP* picture);
 // A 32-bit copy (a plain clone when it already is one); null on failure.
-KARVELUI_API FIBitmapPtr CopyAs32Bits(FIBITMAP* picture);
+FIBitmapPtr CopyAs32Bits(FIBITMAP* picture);
 // Sets every pixel's alpha byte of a 32-bit picture to 255.
-KARVELUI_API void MakeOpaque(FIBITMAP* picture);
+void MakeOpaque(FIBITMAP* picture);
 
 // An integer tag of the page's animation metadata, as stored (unsigned);
 // false when the page has no such tag or it is not an integer.
-KARVELUI_API bool ReadAnimationTag(FIBITMAP* page, const char* key, std::uint32_t& value);
+bool ReadAnimationTag(FIBITMAP* page, const char* key, std::uint32_t& value);
 
 }  // namespace KarvelUI

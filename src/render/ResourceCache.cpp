@@ -1,13 +1,14 @@
-#include "render/ResourceCache.h"
+#include <karvelui/ResourceCache.h>
 
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
 
-#include "foundation/BackUpdateTask.h"
-#include "foundation/Trace.h"
+#include <karvelui/BackUpdateTask.h>
+#include <karvelui/Trace.h>
 #include "platform/Memory.h"
-#include "thumbnails/RawSupport.h"
+#include "raw/RawSupport.h"
+#include "render/PictureDecoder.h"
 
 // After the library's headers: the image library defines TRUE and FALSE as macros.
 #include <FreeImage.h>
@@ -488,10 +489,10 @@ ResourceCache::FrameDecode ResourceCache::DecodeNextFrame(tagTextureItem* previo
     copy = CopyAs32Bits(locked.Get());
   }
   if (!copy) return FrameDecode::Failed;
-  FIBitmapPtr merged = MergeBitmap(previous->pBitmap.get(), copy.get(), offset,
-                                   static_cast<BYTE>(previous->nDisposalMethod));
+  SharedFIBitmap merged = MergeBitmap(previous->pBitmap.get(), copy.get(), offset,
+                                      static_cast<BYTE>(previous->nDisposalMethod));
   if (!merged) return FrameDecode::Failed;
-  frame->pBitmap = Share(std::move(merged));
+  frame->pBitmap = std::move(merged);
   frame->nState = TEXTURE_STATE_DECODED;
   return FrameDecode::Done;
 }
@@ -526,7 +527,7 @@ tagTextureItem* ResourceCache::LoadTextureFromNextFrames(tagTextureItem* item, l
   return item->pNextFrame.get();
 }
 
-FIBitmapPtr ResourceCache::MergeBitmap(FIBITMAP* canvas, FIBITMAP* frame, CPoint offset, BYTE disposal) {
+SharedFIBitmap ResourceCache::MergeBitmap(FIBITMAP* canvas, FIBITMAP* frame, CPoint offset, BYTE disposal) {
   if (!Is32BitPicture(canvas) || !Is32BitPicture(frame)) return nullptr;
   FIBitmapPtr result(FreeImage_Clone(canvas));
   if (!result) return nullptr;
@@ -557,7 +558,7 @@ FIBitmapPtr ResourceCache::MergeBitmap(FIBITMAP* canvas, FIBITMAP* frame, CPoint
       if (pixel >> 24) target[j] = pixel;  // no blending: opaque-enough pixels replace
     }
   }
-  return result;
+  return Share(std::move(result));
 }
 
 // --- release ---------------------------------------------------------------------

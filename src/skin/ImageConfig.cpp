@@ -1,8 +1,8 @@
-#include "skin/ImageConfig.h"
+#include <karvelui/ImageConfig.h>
 
 #include <algorithm>
 
-#include "render/DXCore.h"
+#include <karvelui/DXCore.h>
 
 namespace KarvelUI {
 namespace {

@@ -1,10 +1,10 @@
-#include "skin/SkinManager.h"
+#include <karvelui/SkinManager.h>
 
-#include "foundation/CommonString.h"
-#include "foundation/Helpers.h"
-#include "foundation/Trace.h"
+#include <karvelui/CommonString.h>
+#include <karvelui/Helpers.h>
+#include <karvelui/Trace.h>
 #include "platform/FileSystem.h"
-#include "skin/SkinReader.h"
+#include <karvelui/SkinReader.h>
 
 namespace KarvelUI {
 

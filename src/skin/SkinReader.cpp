@@ -1,12 +1,12 @@
-#include "skin/SkinReader.h"
+#include <karvelui/SkinReader.h>
 
 #include <algorithm>
 #include <cstdint>
 #include <cwchar>
 
-#include "skin/SkinManager.h"
+#include <karvelui/SkinManager.h>
 #include "skin/ValueScanner.h"
-#include "skin/XmlDocument.h"
+#include <karvelui/XmlDocument.h>
 
 namespace KarvelUI {
 namespace {

@@ -1,4 +1,4 @@
-#include "skin/XmlDocument.h"
+#include <karvelui/XmlDocument.h>
 
 #include <tinyxml.h>
 
@@ -6,10 +6,10 @@
 #include <string>
 #include <string_view>
 
-#include "foundation/CommonString.h"
-#include "foundation/Helpers.h"
+#include <karvelui/CommonString.h>
+#include <karvelui/Helpers.h>
 #include "platform/MappedFile.h"
-#include "platform/StdioFile.h"
+#include <karvelui/StdioFile.h>
 #include "skin/XmlText.h"
 
 namespace KarvelUI {

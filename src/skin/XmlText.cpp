@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "base/TextCodec.h"
+#include <karvelui/TextCodec.h>
 
 namespace KarvelUI {
 namespace {

@@ -13,11 +13,11 @@
 #include <string>
 #include <vector>
 
-#include "animation/AnimationController.h"
-#include "base/WinConstants.h"
+#include <karvelui/AnimationController.h>
+#include <karvelui/WinConstants.h>
 #include "platform/Clock.h"
-#include "platform/window/MessageQueue.h"
-#include "platform/window/Wnd.h"
+#include <karvelui/MessageQueue.h>
+#include <karvelui/Wnd.h>
 
 namespace KarvelTest {
 

@@ -2,7 +2,7 @@
 
 #include <cstdint>
 
-#include "animation/AnimationBoard.h"
+#include <karvelui/AnimationBoard.h>
 
 using namespace KarvelUI;
 

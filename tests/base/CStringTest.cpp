@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "base/CString.h"
+#include <karvelui/CString.h>
 
 using namespace KarvelUI;
 

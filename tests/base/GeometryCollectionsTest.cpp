@@ -1,9 +1,9 @@
 #include <gtest/gtest.h>
 
-#include "base/Collections.h"
-#include "base/FastDelegate.h"
-#include "base/Geometry.h"
-#include "base/Region.h"
+#include <karvelui/Collections.h>
+#include <karvelui/FastDelegate.h>
+#include <karvelui/Geometry.h>
+#include <karvelui/Region.h>
 
 using namespace KarvelUI;
 

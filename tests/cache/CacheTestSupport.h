@@ -9,6 +9,7 @@
 
 #include "dxcore/FakeCoreFixture.h"
 #include "platform/Paths.h"
+#include "render/PictureDecoder.h"
 #include "support/PictureFiles.h"
 #include "support/TempDir.h"
 

@@ -7,7 +7,7 @@
 #include <thread>
 
 #include "cache/CacheTestSupport.h"
-#include "foundation/BackUpdateTask.h"
+#include <karvelui/BackUpdateTask.h>
 
 using namespace KarvelUI;
 using namespace KarvelTest;

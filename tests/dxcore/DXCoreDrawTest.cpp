@@ -4,7 +4,7 @@
 #include <cmath>
 #include <limits>
 
-#include "base/WinConstants.h"
+#include <karvelui/WinConstants.h>
 #include "dxcore/FakeCoreFixture.h"
 
 using namespace KarvelUI;

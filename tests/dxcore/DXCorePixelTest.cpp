@@ -3,7 +3,7 @@
 
 #include <cmath>
 
-#include "base/WinConstants.h"
+#include <karvelui/WinConstants.h>
 #include "dxcore/GLCoreFixture.h"
 
 using namespace KarvelUI;

@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
-#include "render/DXCore.h"
-#include "render/gpu/fake/FakeDirect3D.h"
+#include <karvelui/DXCore.h>
+#include "support/FakeDirect3D.h"
 #include "support/TraceCapture.h"
 
 namespace KarvelTest {

@@ -4,7 +4,7 @@
 // frame cleared to black; EndAndRead closes the frame and reads it back.
 
 #include "gpu/GpuTestSupport.h"
-#include "render/DXCore.h"
+#include <karvelui/DXCore.h>
 
 namespace KarvelTest {
 

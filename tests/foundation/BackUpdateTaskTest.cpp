@@ -6,7 +6,7 @@
 #include <mutex>
 #include <thread>
 
-#include "foundation/BackUpdateTask.h"
+#include <karvelui/BackUpdateTask.h>
 
 using namespace KarvelUI;
 

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "foundation/Bitmap.h"
+#include <karvelui/Bitmap.h>
 #include "platform/Paths.h"
 #include "support/TempDir.h"
 

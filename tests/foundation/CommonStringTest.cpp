@@ -2,8 +2,8 @@
 
 #include <vector>
 
-#include "foundation/CommonString.h"
-#include "platform/MessageBox.h"
+#include <karvelui/CommonString.h>
+#include "platform/MessageBoxHook.h"
 #include "platform/Paths.h"
 #include "support/TempDir.h"
 

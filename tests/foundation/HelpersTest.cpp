@@ -4,7 +4,7 @@
 
 #include <regex>
 
-#include "foundation/Helpers.h"
+#include <karvelui/Helpers.h>
 #include "platform/Paths.h"
 #include "support/TempDir.h"
 

@@ -3,9 +3,9 @@
 #include <filesystem>
 #include <fstream>
 
-#include "foundation/CommonString.h"
+#include <karvelui/CommonString.h>
 #include "foundation/KarvelUIApp.h"
-#include "foundation/Trace.h"
+#include <karvelui/Trace.h>
 #include "platform/Paths.h"
 #include "support/TempDir.h"
 

@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "foundation/StdioFileEx.h"
+#include <karvelui/StdioFileEx.h>
 #include "platform/Paths.h"
 #include "support/TempDir.h"
 

@@ -8,7 +8,7 @@
 #include <string>
 #include <thread>
 
-#include "foundation/Trace.h"
+#include <karvelui/Trace.h>
 #include "platform/Paths.h"
 #include "support/TempDir.h"
 #include "support/TraceCapture.h"

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "foundation/UITime.h"
+#include <karvelui/UITime.h>
 #include "platform/Clock.h"
 
 using namespace KarvelUI;

@@ -4,8 +4,8 @@
 // a 300 x 200 form at (50, 40) with three probe controls in a row.
 
 #include "framework/FrameworkTestSupport.h"
-#include "platform/MessageBox.h"
-#include "render/gpu/fake/FakeDirect3D.h"
+#include "platform/MessageBoxHook.h"
+#include "support/FakeDirect3D.h"
 #include "support/TraceCapture.h"
 #include "window/WindowTestSupport.h"
 

@@ -10,11 +10,11 @@
 #include <string>
 #include <vector>
 
-#include "framework/UIControl.h"
-#include "framework/UIForm.h"
-#include "framework/UIManager.h"
-#include "render/DXCore.h"
-#include "skin/SkinManager.h"
+#include <karvelui/UIControl.h>
+#include <karvelui/UIForm.h>
+#include <karvelui/UIManager.h>
+#include <karvelui/DXCore.h>
+#include <karvelui/SkinManager.h>
 #include "skin/SkinTestSupport.h"
 
 namespace KarvelTest {

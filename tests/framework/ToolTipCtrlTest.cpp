@@ -4,7 +4,7 @@
 
 #include "framework/ToolTipTestSupport.h"
 #include "gpu/GpuTestSupport.h"
-#include "render/DXCore.h"
+#include <karvelui/DXCore.h>
 
 using namespace KarvelUI;
 using namespace KarvelTest;

@@ -5,7 +5,7 @@
 // a form does, and the work area around a point.
 
 #include "framework/ToolTipCtrl.h"
-#include "platform/window/Screen.h"
+#include <karvelui/Screen.h>
 #include "window/WindowTestSupport.h"
 
 namespace KarvelTest {

@@ -5,8 +5,8 @@
 
 #include <cmath>
 
-#include "foundation/CommonString.h"
-#include "framework/FormConfig.h"
+#include <karvelui/CommonString.h>
+#include <karvelui/FormConfig.h>
 #include "support/TraceCapture.h"
 #include "framework/FrameworkTestSupport.h"
 

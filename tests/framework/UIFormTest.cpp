@@ -4,11 +4,11 @@
 
 #include <gmock/gmock.h>
 
-#include "animation/AnimationController.h"
-#include "foundation/CommonString.h"
+#include <karvelui/AnimationController.h>
+#include <karvelui/CommonString.h>
 #include "framework/FormTestSupport.h"
 #include "framework/ToolTipCtrl.h"
-#include "platform/window/Screen.h"
+#include <karvelui/Screen.h>
 
 namespace KarvelTest {
 namespace {

@@ -4,7 +4,7 @@
 
 #include <cmath>
 
-#include "render/gpu/D3DMath.h"
+#include <karvelui/D3DMath.h>
 
 using namespace KarvelUI;
 

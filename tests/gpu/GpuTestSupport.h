@@ -10,8 +10,8 @@
 #include <functional>
 #include <vector>
 
-#include "platform/window/Wnd.h"
-#include "render/gpu/Direct3D.h"
+#include <karvelui/Wnd.h>
+#include <karvelui/Direct3D.h>
 
 namespace KarvelTest {
 

@@ -3,9 +3,9 @@
 
 #include <algorithm>
 
-#include "base/WinConstants.h"
+#include <karvelui/WinConstants.h>
 #include "gpu/GpuTestSupport.h"
-#include "render/gpu/D3DMath.h"
+#include <karvelui/D3DMath.h>
 
 using namespace KarvelUI;
 using namespace KarvelTest;

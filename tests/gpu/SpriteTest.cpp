@@ -5,7 +5,7 @@
 #include <cmath>
 
 #include "gpu/GpuTestSupport.h"
-#include "render/gpu/D3DMath.h"
+#include <karvelui/D3DMath.h>
 
 using namespace KarvelUI;
 using namespace KarvelTest;

@@ -8,7 +8,7 @@
 #include "platform/FileSystem.h"
 #include "platform/MappedFile.h"
 #include "platform/Paths.h"
-#include "platform/StdioFile.h"
+#include <karvelui/StdioFile.h>
 #include "support/TempDir.h"
 
 using namespace KarvelUI;

@@ -10,9 +10,9 @@
 #include "platform/CodePage.h"
 #include "platform/DynamicLibrary.h"
 #include "platform/Paths.h"
-#include "platform/Sync.h"
+#include <karvelui/Sync.h>
 #include "platform/SystemInfo.h"
-#include "platform/Thread.h"
+#include <karvelui/Thread.h>
 #include "support/TempDir.h"
 
 using namespace KarvelUI;

@@ -5,16 +5,17 @@
 #include <filesystem>
 #include <string>
 
-#include "foundation/Helpers.h"
+#include <karvelui/Helpers.h>
 #include "platform/DynamicLibrary.h"
 #include "platform/FileSystem.h"
 #include "platform/Paths.h"
 #include "raw/DngWriter.h"
-#include "render/ResourceCache.h"
-#include "render/gpu/fake/FakeDirect3D.h"
+#include <karvelui/ResourceCache.h>
+#include "render/PictureDecoder.h"
+#include "support/FakeDirect3D.h"
 #include "support/TempDir.h"
 #include "support/TraceCapture.h"
-#include "thumbnails/RawSupport.h"
+#include "raw/RawSupport.h"
 
 namespace fs = std::filesystem;
 using KarvelUI::CString;

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "skin/ImageConfig.h"
+#include <karvelui/ImageConfig.h>
 
 using namespace KarvelUI;
 

@@ -7,7 +7,7 @@
 #include "dxcore/FakeCoreFixture.h"
 #include "platform/Paths.h"
 #include "render/PictureDecoder.h"
-#include "skin/ImageConfig.h"
+#include <karvelui/ImageConfig.h>
 #include "support/PictureFiles.h"
 #include "support/TempDir.h"
 

@@ -10,9 +10,10 @@
 #include <string>
 #include <vector>
 
-#include "foundation/CommonString.h"
-#include "render/ResourceCache.h"
-#include "skin/SkinReader.h"
+#include <karvelui/CommonString.h>
+#include <karvelui/ResourceCache.h>
+#include "render/PictureDecoder.h"
+#include <karvelui/SkinReader.h>
 #include "SkinTestSupport.h"
 
 // After the library's headers, which define TRUE and FALSE as constants.

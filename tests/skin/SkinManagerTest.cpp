@@ -3,8 +3,8 @@
 
 #include <vector>
 
-#include "foundation/CommonString.h"
-#include "skin/SkinReader.h"
+#include <karvelui/CommonString.h>
+#include <karvelui/SkinReader.h>
 #include "SkinTestSupport.h"
 #include "support/TraceCapture.h"
 

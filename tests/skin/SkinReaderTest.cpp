@@ -2,8 +2,8 @@
 
 #include <cwchar>
 
-#include "foundation/CommonString.h"
-#include "skin/SkinReader.h"
+#include <karvelui/CommonString.h>
+#include <karvelui/SkinReader.h>
 #include "SkinTestSupport.h"
 
 using namespace KarvelUI;

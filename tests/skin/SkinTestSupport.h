@@ -9,8 +9,8 @@
 #include <string>
 
 #include "platform/Paths.h"
-#include "skin/SkinManager.h"
-#include "skin/XmlDocument.h"
+#include <karvelui/SkinManager.h>
+#include <karvelui/XmlDocument.h>
 #include "support/TempDir.h"
 
 namespace KarvelTest {

@@ -3,7 +3,7 @@
 #include <stdexcept>
 #include <string>
 
-#include "skin/XmlDocument.h"
+#include <karvelui/XmlDocument.h>
 #include "skin/XmlText.h"
 #include "SkinTestSupport.h"
 

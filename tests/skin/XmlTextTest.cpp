@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "skin/XmlDocument.h"
+#include <karvelui/XmlDocument.h>
 #include "skin/XmlText.h"
 #include "SkinTestSupport.h"
 

@@ -11,7 +11,7 @@
 #include <string>
 #include <vector>
 
-#include "foundation/Trace.h"
+#include <karvelui/Trace.h>
 
 namespace KarvelTest {
 

@@ -7,7 +7,7 @@
 #include <memory>
 #include <map>
 
-#include "base/WinConstants.h"
+#include <karvelui/WinConstants.h>
 #include "render/text/TextFont.h"
 
 namespace KarvelUI::texttest {

@@ -1,7 +1,7 @@
 #include "WindowTestSupport.h"
-#include "foundation/WindowHelpers.h"
-#include "platform/MessageBox.h"
-#include "platform/window/Clipboard.h"
+#include <karvelui/WindowHelpers.h>
+#include "platform/MessageBoxHook.h"
+#include <karvelui/Clipboard.h>
 #include "platform/window/Shell.h"
 
 using namespace KarvelUI;

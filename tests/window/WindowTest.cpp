@@ -2,7 +2,7 @@
 
 #include "platform/window/EventTranslator.h"
 #include "platform/window/Regions.h"
-#include "platform/window/Screen.h"
+#include <karvelui/Screen.h>
 
 using namespace KarvelUI;
 using namespace KarvelTest;

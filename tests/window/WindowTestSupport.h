@@ -10,10 +10,10 @@
 #include <atomic>
 #include <vector>
 
-#include "platform/window/Input.h"
-#include "platform/window/MessageQueue.h"
+#include <karvelui/Input.h>
+#include <karvelui/MessageQueue.h>
 #include "platform/window/NativeWindow.h"
-#include "platform/window/Wnd.h"
+#include <karvelui/Wnd.h>
 
 namespace KarvelTest {
 

@@ -1,4 +1,4 @@
-#include "platform/window/Clipboard.h"
+#include <karvelui/Clipboard.h>
 
 #include <SDL.h>
 

@@ -6,10 +6,10 @@
 #include <string>
 
 #include "platform/window/KeyMap.h"
-#include "platform/window/MessageQueue.h"
+#include <karvelui/MessageQueue.h>
 #include "platform/window/NativeWindow.h"
 #include "platform/window/WindowState.h"
-#include "platform/window/Wnd.h"
+#include <karvelui/Wnd.h>
 
 namespace KarvelUI::detail {
 namespace {

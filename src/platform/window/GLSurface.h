@@ -3,8 +3,8 @@
 // One OpenGL 3.3 core context for one window: the render backend's only way
 // to GL. Failures are results, never exceptions. Use it on the window's thread.
 
-#include "base/Export.h"
-#include "platform/window/WindowTypes.h"
+#include <karvelui/Export.h>
+#include <karvelui/WindowTypes.h>
 
 namespace KarvelUI {
 
@@ -15,7 +15,7 @@ struct GLSurfaceRequest {
   bool robustness = true;
 };
 
-class KARVELUI_API GLSurface {
+class GLSurface {
  public:
   GLSurface() = default;
   ~GLSurface();

@@ -1,7 +1,7 @@
 // Activation, keyboard focus, mouse capture and tracking, key state and
 // cursors of the user-interface thread.
 
-#include "platform/window/Input.h"
+#include <karvelui/Input.h>
 
 #include <SDL.h>
 
@@ -11,7 +11,7 @@
 #include "platform/window/KeyMap.h"
 #include "platform/window/NativeWindow.h"
 #include "platform/window/WindowState.h"
-#include "platform/window/Wnd.h"
+#include <karvelui/Wnd.h>
 
 namespace KarvelUI {
 namespace detail {

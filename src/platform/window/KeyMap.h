@@ -5,7 +5,7 @@
 
 #include <vector>
 
-#include "platform/window/WindowTypes.h"
+#include <karvelui/WindowTypes.h>
 
 namespace KarvelUI::detail {
 

@@ -1,11 +1,11 @@
-#include "platform/window/MessageQueue.h"
+#include <karvelui/MessageQueue.h>
 
 #include <algorithm>
 #include <atomic>
 #include <chrono>
 
 #include "platform/window/ThreadQueue.h"
-#include "platform/window/Wnd.h"
+#include <karvelui/Wnd.h>
 #include "platform/window/WindowRegistry.h"
 
 namespace KarvelUI {

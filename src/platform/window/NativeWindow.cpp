@@ -12,7 +12,7 @@
 #include "platform/window/EventTranslator.h"
 #include "platform/window/ThreadQueue.h"
 #include "platform/window/WindowState.h"
-#include "platform/window/Wnd.h"
+#include <karvelui/Wnd.h>
 
 namespace KarvelUI::detail {
 namespace {

@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <memory>
 
-#include "platform/window/WindowTypes.h"
+#include <karvelui/WindowTypes.h>
 
 struct SDL_Window;
 

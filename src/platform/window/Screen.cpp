@@ -1,4 +1,4 @@
-#include "platform/window/Screen.h"
+#include <karvelui/Screen.h>
 
 #include <SDL.h>
 
@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "platform/window/NativeWindow.h"
-#include "platform/window/Wnd.h"
+#include <karvelui/Wnd.h>
 
 namespace KarvelUI {
 namespace {

@@ -5,9 +5,9 @@
 
 #include <functional>
 
-#include "base/CString.h"
-#include "base/Export.h"
-#include "base/Types.h"
+#include <karvelui/CString.h>
+#include <karvelui/Export.h>
+#include <karvelui/Types.h>
 
 namespace KarvelUI {
 
@@ -15,7 +15,7 @@ namespace KarvelUI {
 using ShellOpenHook =
     std::function<bool(const CString& verb, const CString& file, const CString& parameters, int showCommand)>;
 // Installs a hook (an empty function removes it); returns the previous one.
-KARVELUI_API ShellOpenHook SetShellOpenHook(ShellOpenHook hook);
+ShellOpenHook SetShellOpenHook(ShellOpenHook hook);
 
 // The design's browser program; asking for it opens the parameters (a URL)
 // in the desktop's web browser.
@@ -24,7 +24,7 @@ inline constexpr const wchar_t* kBrowserProgram = L"IEXPLORE.EXE";
 // Opens file (a URL, a document, or the browser program with a URL as
 // parameters). Above 32 on success; 2 (not found) or 31 (nothing to open it
 // with) on failure, as the desktop reports them.
-KARVELUI_API INT_PTR ShellExecuteW(HWND owner, const wchar_t* verb, const wchar_t* file, const wchar_t* parameters,
+INT_PTR ShellExecuteW(HWND owner, const wchar_t* verb, const wchar_t* file, const wchar_t* parameters,
                                    const wchar_t* directory, int showCommand);
 
 }  // namespace KarvelUI

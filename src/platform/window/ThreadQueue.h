@@ -16,7 +16,7 @@
 #include <thread>
 #include <vector>
 
-#include "platform/window/WindowTypes.h"
+#include <karvelui/WindowTypes.h>
 
 namespace KarvelUI::detail {
 

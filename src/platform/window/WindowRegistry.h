@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "platform/window/ThreadQueue.h"
-#include "platform/window/WindowTypes.h"
+#include <karvelui/WindowTypes.h>
 
 namespace KarvelUI::detail {
 

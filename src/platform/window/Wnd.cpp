@@ -1,9 +1,9 @@
 // CWnd: creation, destruction, message routing, default handling and the
 // modal loop. Geometry, visibility and painting live in WndGeometry.cpp.
 
-#include "platform/window/Wnd.h"
+#include <karvelui/Wnd.h>
 
-#include "platform/window/Input.h"
+#include <karvelui/Input.h>
 #include "platform/window/NativeWindow.h"
 #include "platform/window/WindowRegistry.h"
 #include "platform/window/WindowState.h"

@@ -4,11 +4,11 @@
 #include <algorithm>
 
 #include "platform/window/NativeWindow.h"
-#include "platform/window/Input.h"
-#include "platform/window/Screen.h"
+#include <karvelui/Input.h>
+#include <karvelui/Screen.h>
 #include "platform/window/WindowRegistry.h"
 #include "platform/window/WindowState.h"
-#include "platform/window/Wnd.h"
+#include <karvelui/Wnd.h>
 
 namespace KarvelUI {
 namespace detail {

@@ -1,4 +1,4 @@
-#include "render/gpu/D3DMath.h"
+#include <karvelui/D3DMath.h>
 
 #include <cmath>
 

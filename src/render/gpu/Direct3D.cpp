@@ -1,4 +1,4 @@
-#include "render/gpu/Direct3D.h"
+#include <karvelui/Direct3D.h>
 
 #include <cwchar>
 

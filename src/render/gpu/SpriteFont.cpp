@@ -2,7 +2,7 @@
 
 #include <cwchar>
 
-#include "base/WinConstants.h"
+#include <karvelui/WinConstants.h>
 
 namespace KarvelUI {
 

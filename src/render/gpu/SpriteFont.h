@@ -10,7 +10,7 @@
 #include <memory>
 #include <vector>
 
-#include "render/gpu/Direct3D.h"
+#include <karvelui/Direct3D.h>
 #include "render/text/TextFont.h"
 
 namespace KarvelUI {

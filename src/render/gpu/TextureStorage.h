@@ -10,8 +10,8 @@
 #include <mutex>
 #include <vector>
 
-#include "base/Geometry.h"
-#include "render/gpu/D3DTypes.h"
+#include <karvelui/Geometry.h>
+#include <karvelui/D3DTypes.h>
 
 namespace KarvelUI {
 

@@ -7,7 +7,7 @@
 #include <algorithm>
 #include <array>
 
-#include "base/TextCodec.h"
+#include <karvelui/TextCodec.h>
 
 namespace KarvelUI {
 

@@ -17,7 +17,7 @@
 #include <tuple>
 #include <vector>
 
-#include "base/Types.h"
+#include <karvelui/Types.h>
 
 struct FT_LibraryRec_;
 struct FT_FaceRec_;

@@ -17,8 +17,8 @@
 #include <memory>
 #include <vector>
 
-#include "base/Export.h"
-#include "base/Geometry.h"
+#include <karvelui/Export.h>
+#include <karvelui/Geometry.h>
 
 namespace KarvelUI {
 
@@ -30,7 +30,7 @@ struct AtlasPageView {
   std::uint64_t generation = 0;  // advances whenever this page's pixels change
 };
 
-class KARVELUI_API GlyphAtlas {
+class GlyphAtlas {
  public:
   static constexpr int kDefaultPageSize = 512;
   static constexpr int kMaxPageSize = 4096;

@@ -16,8 +16,8 @@
 #include <tuple>
 #include <unordered_map>
 
-#include "base/TextCodec.h"
-#include "base/WinConstants.h"
+#include <karvelui/TextCodec.h>
+#include <karvelui/WinConstants.h>
 #include "render/text/FontLibrary.h"
 #include "render/text/TextWrap.h"
 

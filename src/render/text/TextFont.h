@@ -52,9 +52,9 @@
 #include <string>
 #include <vector>
 
-#include "base/Export.h"
-#include "base/Geometry.h"
-#include "base/Types.h"
+#include <karvelui/Export.h>
+#include <karvelui/Geometry.h>
+#include <karvelui/Types.h>
 #include "render/text/GlyphAtlas.h"
 
 namespace KarvelUI {
@@ -84,7 +84,7 @@ struct TextLayout {
   int height = 0;                // DrawText's result
 };
 
-class KARVELUI_API TextFont {
+class TextFont {
  public:
   // Null when no face can be found or opened. `atlasPageSize` is the side of
   // each atlas page (tests use small pages to exercise page overflow).
@@ -134,10 +134,10 @@ class KARVELUI_API TextFont {
 
 // Measuring without a window, through the shared fonts.
 // The label's text width: what GetTextExtent reports for its font.
-KARVELUI_API CSize MeasureTextExtent(const LOGFONTW& font, const wchar_t* text, int count);
+CSize MeasureTextExtent(const LOGFONTW& font, const wchar_t* text, int count);
 // DrawText with DT_CALCRECT added: sets rect's right and bottom as
 // TextLayout::bounds and returns the text height; 0 when the font fails.
-KARVELUI_API int CalcTextRect(const LOGFONTW& font, const wchar_t* text, int count, CRect& rect,
+int CalcTextRect(const LOGFONTW& font, const wchar_t* text, int count, CRect& rect,
                               UINT format);
 
 }  // namespace KarvelUI

@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "base/Export.h"
+#include <karvelui/Export.h>
 
 namespace KarvelUI {
 
@@ -27,23 +27,23 @@ struct LineSpan {
 // Break opportunities: after a run of blanks, and on both sides of CJK
 // ideographs, kana and hangul, except before closing punctuation and after
 // opening punctuation (no line starts with "。" or ends with "（").
-KARVELUI_API void MarkBreakOpportunities(std::wstring_view text, std::vector<CharInfo>& chars);
+void MarkBreakOpportunities(std::wstring_view text, std::vector<CharInfo>& chars);
 
 // Greedy wrap at `wrapWidth` pixels. A line ends at the last opportunity that
 // fits; a word longer than the width is broken where it overflows (never
 // inside a cluster, and never leaving a line empty). Blanks at a wrap hang
 // past the width and are dropped from the start of the next line.
-KARVELUI_API void WrapParagraph(const std::vector<CharInfo>& chars, int wrapWidth,
+void WrapParagraph(const std::vector<CharInfo>& chars, int wrapWidth,
                                 std::vector<LineSpan>& lines);
 
 // The whole paragraph as one line.
-KARVELUI_API LineSpan WholeParagraph(const std::vector<CharInfo>& chars);
+LineSpan WholeParagraph(const std::vector<CharInfo>& chars);
 
 // The longest prefix of `line` whose width, without its trailing blanks, is
 // at most `maxWidth`, ending on a cluster boundary; may be empty.
-KARVELUI_API LineSpan FitPrefix(const std::vector<CharInfo>& chars, const LineSpan& line,
+LineSpan FitPrefix(const std::vector<CharInfo>& chars, const LineSpan& line,
                                 int maxWidth);
 
-KARVELUI_API bool IsCjkBreakChar(char32_t c);
+bool IsCjkBreakChar(char32_t c);
 
 }  // namespace KarvelUI

@@ -21,7 +21,7 @@
 #include <vector>
 
 #include "platform/window/GLSurface.h"
-#include "render/gpu/Direct3D.h"
+#include <karvelui/Direct3D.h>
 #include "render/gpu/gl/GLObjects.h"
 #include "render/gpu/gl/GLSprite.h"
 #include "render/gpu/gl/GLTexture.h"

@@ -1,6 +1,6 @@
 #include "render/gpu/gl/GLSprite.h"
 
-#include "render/gpu/D3DMath.h"
+#include <karvelui/D3DMath.h>
 #include "render/gpu/gl/GLDevice.h"
 #include "render/gpu/gl/GLTexture.h"
 

@@ -7,7 +7,7 @@
 
 #include <vector>
 
-#include "render/gpu/Direct3D.h"
+#include <karvelui/Direct3D.h>
 
 namespace KarvelUI::gl {
 

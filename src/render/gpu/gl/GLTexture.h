@@ -11,7 +11,7 @@
 #include <mutex>
 #include <vector>
 
-#include "render/gpu/Direct3D.h"
+#include <karvelui/Direct3D.h>
 #include "render/gpu/TextureStorage.h"
 
 namespace KarvelUI::gl {

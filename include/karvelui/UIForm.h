@@ -1,0 +1,207 @@
+#pragma once
+
+// CUIForm: a top-level window that hosts one control tree and draws it with
+// its own render device. It is at once a platform window and the root
+// control of its tree (its own parent and owner form, which ends every
+// upward walk). Creating the window builds the tree from the build node
+// "BuildRoot <object ID>", reads the skin, lays the tree out and makes the
+// render device. The window procedure routes mouse messages to the control
+// under the cursor (or the capture control), keys to the keyboard-focus
+// control, and keeps hover, tab order, tooltips, timers, the animation
+// controller, the rounded shape, the sizing grips and the modal loop.
+//
+// Every form is registered with CUIManager from construction to destruction.
+// A modeless form destroys itself when closed (Release), so it must live on
+// the heap; a modal form's DoModal destroys only its window.
+// Everything runs on the window's thread; a paint holds the texture lock of
+// the form's resource cache because the thumbnail loader fills textures
+// from its own thread.
+
+#include <map>
+#include <memory>
+#include <vector>
+
+#include <karvelui/UIControl.h>
+#include <karvelui/Wnd.h>
+
+namespace KarvelUI {
+
+class AnimationController;
+class CToolTipCtrl;
+class DXCore;
+class _FormConfig;
+
+// Window message that releases the form's active popup menu (posted on Escape).
+inline constexpr UINT UI_WM_RELEASEMENU = 10907;
+// Posted by a popup menu to its owner form while the mouse rests on an
+// entry (entry id as wParam); the host handles it.
+inline constexpr UINT UI_WM_MENUHOVER = 4325;
+
+using UITimerHandler = FastDelegate1<unsigned int, void>;
+
+// A popup menu window as its owner form sees it: the form dismisses its
+// active menu on UI_WM_RELEASEMENU and when the form itself is clicked.
+class KARVELUI_API CUIPopupMenu : public CWnd {
+ public:
+  // Destroys this menu object and its window.
+  virtual void Release() = 0;
+  // Closes the sub-menus opened from this one.
+  virtual void ReleaseAll() = 0;
+};
+
+// What the form asks of its "FormCaption" child, when that child offers it:
+// whether a client point is on the caption's drag area, and to follow the
+// window's size changes (swapping its maximise and restore buttons).
+class KARVELUI_API IFormCaption {
+ public:
+  virtual ~IFormCaption() = default;
+  virtual int IsHitCaption(int x, int y) = 0;
+  virtual void OnSize(UINT type) = 0;
+};
+
+class KARVELUI_API CUIForm : public CWnd, public CUIControl {
+ public:
+  CUIForm();
+  ~CUIForm() override;
+
+  // Registers the window class, drops the child and caption style bits and
+  // makes the window; creation builds the tree and the render device.
+  BOOL Create(DWORD style, const wchar_t* className, const wchar_t* windowName, CWnd* parent, UINT id, CRect rect);
+  BOOL Create(DWORD exStyle, DWORD style, const wchar_t* className, const wchar_t* windowName, CWnd* parent,
+              UINT id, CRect rect);
+
+  // --- modal loop and closing ----------------------------------------------------------
+  // Shows the form centred over a disabled owner until EndDialog; then hides
+  // and destroys the window and returns the result.
+  int DoModal();
+  void EndDialog(int result);
+  BOOL IsModalWnd() const { return m_bModal; }
+  // Disables the owner (the parent window, else the active window); returns it.
+  virtual HWND PreModal();
+  // Hides the window, re-enables and activates the owner, destroys the window.
+  virtual void PostModal(HWND owner);
+  void OnQueryCloseForm();
+  BOOL IsClosing() const { return m_bClosing; }
+  void SetCloseOnEscape(BOOL close) { m_bCloseOnEscape = close; }
+
+  // --- window ---------------------------------------------------------------------------
+  virtual void BringToTop();
+  void SetIcon(UINT resourceId, BOOL big);
+  // Moves the window so that its client area is r (frame assumed as thick
+  // on the right and bottom as on the left and top), and repaints.
+  void SetFormPosition(CRect& r);
+  // The frame's left and top thickness.
+  CPoint GetOffsetPtAux();
+  CString GetClassNameW() const { return m_strClassName; }
+  virtual void SetFormRgn();
+  // The window's shape: a rounded rectangle over the root's bounds, or the
+  // whole screen for a maximised full-window form; null without a skin record.
+  virtual HRGN GetBoundRgn();
+  // Any percent but 100 makes the window translucent; 100 makes it opaque.
+  void SetFormTransparent(int percent);
+  void SetGlobalOpacity(float opacity);
+
+  // --- input -----------------------------------------------------------------------------
+  LRESULT OnMouseMsg(UINT message, UINT flags, const CPoint& point);
+  LRESULT OnKeyMsg(UINT message, UINT wParam, UINT repeat, UINT keyFlags);
+  // Sends 675 to the control the cursor left and 673 to the one it entered.
+  void SetCursorMoveFocus(CUIControl* control);
+  // Sends 4024 to the control losing the keyboard focus and 4025 to the one gaining it.
+  void SetKeyFocus(CUIControl* control);
+  CUIControl* GetCaptureControl() const { return m_pCaptureControl; }
+  void SetCaptureControl(CUIControl* control) { m_pCaptureControl = control; }
+  CUIControl* GetHoverControl() const { return m_pHoverControl; }
+  CUIControl* GetKeyFocusControl() const { return m_pKeyFocusControl; }
+  // The first focused, shown control of the tab order (it becomes current).
+  CUIControl* GetCurFocused();
+  void AddTABOrder(CUIControl* control);
+  // The next shown and enabled control after the current one, wrapping.
+  CUIControl* GetNextTabCtrl();
+  // Deliberately always the first shown and enabled control of the tab order.
+  CUIControl* GetPrevTabCtrl();
+
+  // --- tooltips ----------------------------------------------------------------------------
+  void CreateToolTip();
+  void ActiveTooltip(BOOL active);
+  void AddSubTooltip(CUIControl* control);
+  void RemoveSubTooltip(CUIControl* control);
+  CToolTipCtrl* GetToolTipCtrl() const { return m_pToolTip.get(); }
+
+  // --- timers ------------------------------------------------------------------------------
+  // 0 when the id has a handler already (the first one stays).
+  BOOL RegisterTimerHandler(UINT id, int intervalMs, UITimerHandler handler);
+  void UnRegisterTimerHandler(UINT id);
+
+  void SetActiveMenu(CUIPopupMenu* menu) { m_pActiveMenu = menu; }
+  CUIPopupMenu* GetActiveMenu() const { return m_pActiveMenu; }
+  DXCore* GetRenderDevice() const { return m_pDXCore.get(); }
+  AnimationController* GetAnimationController() const { return m_pAnimationController.get(); }
+
+  // --- skin --------------------------------------------------------------------------------
+  // Re-reads layout and skin data for the whole tree, lays it out, reshapes
+  // the window and repaints (also the skin manager's broadcast).
+  virtual void OnSkinChanged();
+  void OnSetSkinData() override;
+  void RenderSelf(DXCore* dx, CRect* clip) override;
+  // The root follows the window's client size.
+  void CalculateBounds() override;
+  virtual void OnMouseLeave(UINT flags, const CPoint& point);
+  // Draws the whole tree; a flag of 14401 completes an animation frame.
+  virtual void OnPaint(UINT flag);
+
+  BOOL PreTranslateMessage(MSG* msg) override;
+  LRESULT WindowProc(UINT message, WPARAM wParam, LPARAM lParam) override;
+
+  // A control of this form is being destroyed: drop every reference to it.
+  void ForgetControl(CUIControl* control);
+
+ protected:
+  int OnCreate(LPCREATESTRUCT createStruct) override;
+  BOOL OnEraseBkgnd() override;
+  void OnGetMinMaxInfo(MINMAXINFO* info) override;
+  LRESULT OnNcHitTest(CPoint screenPoint) override;
+  void OnSize(UINT type, int cx, int cy) override;
+  void OnClose() override;
+  void OnTimer(UINT_PTR id) override;
+
+  _FormConfig* GetFormConfig();
+  // The "FormCaption" child when it takes part in hit testing and sizing.
+  IFormCaption* GetFormCaption();
+
+ private:
+  struct AnimationReleaser {
+    void operator()(AnimationController* controller) const;
+  };
+
+  LRESULT RouteMouseMessage(UINT message, WPARAM wParam, LPARAM lParam);
+  LRESULT RouteKeyMessage(UINT message, WPARAM wParam, LPARAM lParam);
+  void ReleaseActiveMenu(BOOL wholeChain);
+  void ShowD3DInitFailure(HRESULT result);
+  BOOL HandleTabKey();
+  LRESULT GripHitTest(const CPoint& point, const CRect& margin);
+  void AddOrUpdateTool(CUIControl* control);
+  UINT_PTR ToolIdOf(CWnd* owner, CUIControl* control) const;
+
+  CUIControl* m_pCaptureControl = nullptr;
+  std::unique_ptr<DXCore> m_pDXCore;
+  BOOL m_bClosing = FALSE;
+  CPoint m_ptOffset;
+  BOOL m_bTracking = FALSE;
+  CUIControl* m_pHoverControl = nullptr;
+  CUIControl* m_pKeyFocusControl = nullptr;
+  BOOL m_bModal = FALSE;
+  int m_nModalResult = -1;
+  std::unique_ptr<AnimationController, AnimationReleaser> m_pAnimationController;
+  CUIPopupMenu* m_pActiveMenu = nullptr;
+  BOOL m_bCloseOnEscape = TRUE;
+  CWnd* m_pParentWnd = nullptr;
+  CString m_strClassName;
+  std::unique_ptr<CToolTipCtrl> m_pToolTip;  // the window exists after CreateToolTip
+  BOOL m_bToolTipsEnabled = FALSE;
+  CMapPtrToPtr m_mapTooltipTools;  // control -> window its tool was added to
+  std::map<UINT, UITimerHandler> m_mapTimerHandlers;
+  std::vector<CUIControl*> m_vecTabOrder;
+  int m_nCurTabIndex = 0;
+};
+
+}  // namespace KarvelUI
