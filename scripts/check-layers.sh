@@ -4,6 +4,7 @@
 #   - a public header (include/karvelui/) includes a private or third-party
 #     header, or a header of a higher layer than its own;
 #   - a file outside src/platform and src/render/gpu/gl includes SDL or GL;
+#   - a library file outside src/platform includes an OS header (POSIX);
 #   - a program under apps/ includes a private header of the library.
 # A public header's layer is the folder of its source file under src/, or
 # the table below for headers without one.
@@ -55,6 +56,10 @@ included_layer() {
   esac
 }
 
+is_os_header() {
+  [[ $1 =~ ^\<(unistd|fcntl|dlfcn|pthread|dirent|poll|signal|sys/[a-z_]+)\.h\>$ ]]
+}
+
 is_sdl_or_gl() {
   case $1 in
     '<SDL'*|'"SDL'*|'<GL/'*|'<GLES'*|'<EGL/'*|'<epoxy/'*|'<KHR/'*) return 0 ;;
@@ -77,6 +82,13 @@ while IFS= read -r file; do
       case $file in
         src/platform/*|src/render/gpu/gl/*) ;;
         *) fail "$file:$line includes $include outside the platform and GL backend folders" ;;
+      esac
+      continue
+    fi
+    if is_os_header "$include"; then
+      case $file in
+        src/platform/*|apps/*) ;;
+        *) fail "$file:$line includes OS header $include outside the platform folder" ;;
       esac
       continue
     fi

@@ -44,13 +44,17 @@ inline constexpr UINT ANIMATION_FRAME_INTERVAL = 20;  // milliseconds per frame
 
 class KARVELUI_API AnimationController {
  public:
-  // form (may be null) is the form that owns the controller; boards begun on
-  // that form find the controller through it. The form is never dereferenced.
+  // form (may be null) is the form that owns the controller. The form is
+  // never dereferenced here.
   explicit AnimationController(CUIForm* form = nullptr);
   AnimationController(const AnimationController&) = delete;
   AnimationController& operator=(const AnimationController&) = delete;
 
-  // The controller of form, or null when it has none.
+  // Boards are begun on a form, a type of the layer above; that layer tells
+  // this one how to reach a form's controller.
+  using FormResolver = AnimationController* (*)(CUIForm* form);
+  static void SetFormResolver(FormResolver resolver);
+  // The controller of form, or null for no form or before a resolver is set.
   static AnimationController* FromForm(CUIForm* form);
 
   virtual void Release();

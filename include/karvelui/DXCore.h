@@ -90,6 +90,15 @@ class KARVELUI_API DXCore {
   HRESULT DrawTextW(const wchar_t* text, int count, LONG top, LONG left, LONG width, LONG height, int fontHeight,
                     int fontWeight, int italic, int underline, const wchar_t* faceName, DWORD format,
                     DWORD colour);
+  // The same with the rectangle and the font record: face, height, weight,
+  // italic and underline come from `font`.
+  HRESULT DrawTextW(const CString& text, const CRect& rect, const LOGFONTW& font, DWORD format, DWORD colour);
+  // The extent `text` takes in `font` with `format` (DT_CALCRECT added):
+  // `rect` keeps its top-left corner and gets the size. E_FAIL without a font.
+  HRESULT MeasureText(const CString& text, const LOGFONTW& font, DWORD format, CRect* rect);
+  // A solid rectangle drawn through the sprite batch, so it keeps its place
+  // among the images and texts of the frame. Leaves the identity transform.
+  HRESULT FillRect(const CRect& rect, DWORD colour);
   // One sprite draw of `source` (null: the whole texture) with its `centre`
   // (null: top-left) at `position`.
   HRESULT DrawImage(IDirect3DTexture9* texture, const RECT* source, const D3DXVECTOR3* centre,

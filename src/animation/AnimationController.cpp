@@ -1,8 +1,8 @@
 #include <karvelui/AnimationController.h>
 
 #include <algorithm>
+#include <atomic>
 #include <mutex>
-#include <unordered_map>
 
 #include <karvelui/WinConstants.h>
 #include <karvelui/BackUpdateTask.h>
@@ -10,43 +10,12 @@
 
 namespace KarvelUI {
 namespace {
-
-// Which controller belongs to which form. Boards only know the form they
-// are begun on, and the form type lives in a layer above this one.
-class FormControllers {
- public:
-  static FormControllers& Get() {
-    static FormControllers instance;
-    return instance;
-  }
-  void Add(CUIForm* form, AnimationController* controller) {
-    std::lock_guard<std::mutex> lock(m_mutex);
-    m_controllers[form] = controller;
-  }
-  void Remove(CUIForm* form, AnimationController* controller) {
-    std::lock_guard<std::mutex> lock(m_mutex);
-    auto it = m_controllers.find(form);
-    if (it != m_controllers.end() && it->second == controller) m_controllers.erase(it);
-  }
-  AnimationController* Find(CUIForm* form) const {
-    std::lock_guard<std::mutex> lock(m_mutex);
-    auto it = m_controllers.find(form);
-    return it == m_controllers.end() ? nullptr : it->second;
-  }
-
- private:
-  mutable std::mutex m_mutex;
-  std::unordered_map<CUIForm*, AnimationController*> m_controllers;
-};
-
+std::atomic<AnimationController::FormResolver> g_formResolver{nullptr};
 }  // namespace
 
-AnimationController::AnimationController(CUIForm* form) : m_pForm(form) {
-  if (m_pForm) FormControllers::Get().Add(m_pForm, this);
-}
+AnimationController::AnimationController(CUIForm* form) : m_pForm(form) {}
 
 AnimationController::~AnimationController() {
-  if (m_pForm) FormControllers::Get().Remove(m_pForm, this);
   UILock lock(&m_lock);
   // A window that outlives its controller must not tick into it.
   if (m_hWnd) KillTimer(m_hWnd, ANIMATION_TIMER_ID);
@@ -59,8 +28,11 @@ AnimationController::~AnimationController() {
   ReleaseDeferred();
 }
 
+void AnimationController::SetFormResolver(FormResolver resolver) { g_formResolver.store(resolver); }
+
 AnimationController* AnimationController::FromForm(CUIForm* form) {
-  return form ? FormControllers::Get().Find(form) : nullptr;
+  const FormResolver resolver = g_formResolver.load();
+  return form && resolver ? resolver(form) : nullptr;
 }
 
 void AnimationController::Release() { delete this; }

@@ -349,11 +349,9 @@ BOOL CToolTipCtrl::IsTipShown() const { return m_hWnd && IsWindowVisible() ? TRU
 CString CToolTipCtrl::GetShownText() const { return IsTipShown() ? m_shownText : CString(); }
 
 CSize CToolTipCtrl::TextExtent(const CString& text) {
-  ID3DXFont* font = m_core->GetResourceCache()->GetFont(m_font.lfHeight, m_font.lfWeight, m_font.lfItalic,
-                                                        m_font.lfFaceName, m_font.lfUnderline, m_core->GetD3DDevice());
-  RECT rect(0, 0, 0, 0);
-  if (font) font->DrawTextW(nullptr, text.GetString(), -1, &rect, kTextFormat | DT_CALCRECT, 0);
-  return CSize(rect.right - rect.left, rect.bottom - rect.top);
+  CRect extent(0, 0, 0, 0);
+  if (FAILED(m_core->MeasureText(text, m_font, kTextFormat, &extent))) return CSize(0, 0);
+  return extent.Size();
 }
 
 // --- window messages -------------------------------------------------------------------------
@@ -404,14 +402,9 @@ void CToolTipCtrl::PaintTip() {
   GetClientRect(&inner);
   m_core->CleanScreen(kBorderColour);
   inner.DeflateRect(kBorder, kBorder);
-  if (IDirect3DDevice9* device = m_core->GetD3DDevice()) {
-    const D3DRECT fill{inner.left, inner.top, inner.right, inner.bottom};
-    device->Clear(1, &fill, D3DCLEAR_TARGET, kBackground, 1.0f, 0);
-  }
+  m_core->FillRect(inner, kBackground);
   inner.DeflateRect(kPadX, kPadY);
-  m_core->DrawTextW(m_shownText.GetString(), -1, inner.top, inner.left, inner.Width(), inner.Height(), m_font.lfHeight,
-                    m_font.lfWeight, m_font.lfItalic, m_font.lfUnderline, m_font.lfFaceName, kTextFormat,
-                    kTextColour);
+  m_core->DrawTextW(m_shownText, inner, m_font, kTextFormat, kTextColour);
 }
 
 }  // namespace KarvelUI

@@ -37,6 +37,8 @@ CUIForm::CUIForm()
     : m_pDXCore(std::make_unique<DXCore>()),
       m_pAnimationController(new AnimationController(this)),
       m_pToolTip(std::make_unique<CToolTipCtrl>()) {
+  AnimationController::SetFormResolver(
+      [](CUIForm* form) -> AnimationController* { return form->GetAnimationController(); });
   SetTypeName(L"CUIForm");
   SetOwnerForm(this);
   SetParentContainer(this);

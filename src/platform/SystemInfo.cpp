@@ -1,5 +1,7 @@
 #include "platform/SystemInfo.h"
 
+#include <unistd.h>
+
 #include <sys/utsname.h>
 
 #include <cstdio>
@@ -17,6 +19,12 @@ bool GetOSVersionInfo(OSVersionInfo& info) {
   info.majorVersion = major;
   info.minorVersion = minor;
   return true;
+}
+
+std::int64_t GetPhysicalMemoryBytes() {
+  const long pages = sysconf(_SC_PHYS_PAGES);
+  const long pageSize = sysconf(_SC_PAGE_SIZE);
+  return pages > 0 && pageSize > 0 ? std::int64_t{pages} * pageSize : 0;
 }
 
 }  // namespace KarvelUI

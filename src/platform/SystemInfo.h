@@ -4,6 +4,8 @@
 // is never the NT one here, so code that branches on "NT 6.x" takes its
 // other path on this system.
 
+#include <cstdint>
+
 #include <karvelui/Export.h>
 #include <karvelui/Types.h>
 
@@ -24,5 +26,8 @@ struct OSVersionInfo {
 // The kernel release's first two numbers as major and minor version; false
 // when the system does not tell.
 bool GetOSVersionInfo(OSVersionInfo& info);
+
+// The machine's physical memory in bytes; 0 when the system does not tell.
+std::int64_t GetPhysicalMemoryBytes();
 
 }  // namespace KarvelUI

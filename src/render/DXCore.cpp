@@ -5,8 +5,14 @@
 #include <karvelui/BackUpdateTask.h>
 #include <karvelui/Trace.h>
 #include <karvelui/D3DMath.h>
+#include <karvelui/WinConstants.h>
 
 namespace KarvelUI {
+
+namespace {
+// The cache key of FillRect's texel; no file path looks like it.
+constexpr const wchar_t* kFillTexelKey = L"<fill texel>";
+}  // namespace
 
 RefPtr<IDirect3D9> DXCore::s_pD3D;
 
@@ -266,6 +272,35 @@ HRESULT DXCore::DrawTextW(const wchar_t* text, int count, LONG top, LONG left, L
   RECT rect(left, top, left + width, top + height);
   const int result = font->DrawTextW(m_pD3DXSprite.Get(), text, count, &rect, format, drawn);
   return result < 0 ? result : S_OK;
+}
+
+HRESULT DXCore::DrawTextW(const CString& text, const CRect& rect, const LOGFONTW& font, DWORD format, DWORD colour) {
+  return DrawTextW(text.GetString(), -1, rect.top, rect.left, rect.Width(), rect.Height(), font.lfHeight,
+                   font.lfWeight, font.lfItalic, font.lfUnderline, font.lfFaceName, format, colour);
+}
+
+HRESULT DXCore::MeasureText(const CString& text, const LOGFONTW& font, DWORD format, CRect* rect) {
+  if (!rect) return E_FAIL;
+  ID3DXFont* measured = m_ResourceCache.GetFont(font.lfHeight, font.lfWeight, font.lfItalic, font.lfFaceName,
+                                                font.lfUnderline, m_pD3DDevice.Get());
+  if (!measured) return E_FAIL;
+  RECT extent(rect->left, rect->top, rect->left, rect->top);
+  const int result = measured->DrawTextW(nullptr, text.GetString(), -1, &extent, format | DT_CALCRECT, 0);
+  if (result < 0) return result;
+  *rect = CRect(extent.left, extent.top, extent.right, extent.bottom);
+  return S_OK;
+}
+
+HRESULT DXCore::FillRect(const CRect& rect, DWORD colour) {
+  // One opaque white texel, stretched and tinted by the colour.
+  static DWORD white = 0xFFFFFFFFu;
+  tagTextureItem* texel =
+      m_ResourceCache.GetTextureItemFromMemory(kFillTexelKey, m_pD3DDevice.Get(), &white, sizeof(white), 1, 1, 32);
+  if (!texel) return E_FAIL;
+  const CRect source(0, 0, 1, 1);
+  const HRESULT hr = DrawImage(texel, &rect, &source, nullptr, 0.0f, colour);
+  SetTransform(nullptr, nullptr, nullptr, 0.0f, nullptr);  // what follows is drawn unscaled
+  return hr;
 }
 
 HRESULT DXCore::DrawImage(IDirect3DTexture9* texture, const RECT* source, const D3DXVECTOR3* centre,

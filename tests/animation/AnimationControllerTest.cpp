@@ -18,7 +18,7 @@ const Messages kFrame{kTick, {WM_PAINT, ANIMATION_TIMER_ID}};  // the paint carr
 // The controller of FakeForm() with its window.
 struct WindowedController {
   TestClock clock;
-  ControllerPtr controller{new AnimationController(FakeForm())};
+  ControllerPtr controller = NewController();
   FormWindow wnd{controller.get(), &clock};
   Log log;
 
@@ -106,7 +106,7 @@ TEST(AnimationControllerOwnership, ControllableBoardsAreNeverDeletedOthersAreRel
   kept.Animate(0.0, 1.0, 40);
   auto handOver = [&] { (new LoggingBoard("handed", &log, &handedDestroyed))->Animate(0.0, 1.0, 40).Begin(FakeForm(), 1); };
   {
-    ControllerPtr controller(new AnimationController(FakeForm()));
+    ControllerPtr controller = NewController();
     kept.Begin(FakeForm(), 1);
     handOver();
     clock.Advance(40);
@@ -128,8 +128,8 @@ TEST(AnimationControllerOwnership, StopsReachOnlyTheBoardsOwnControllerAndOnlyOn
   TestClock clock;
   Log log;
   int destroyed = 0;
-  ControllerPtr other(new AnimationController(FakeForm(1)));
-  ControllerPtr controller(new AnimationController(FakeForm()));
+  ControllerPtr other = NewController(1);
+  ControllerPtr controller = NewController();
   auto* handed = new LoggingBoard("handed", &log, &destroyed);
   handed->Animate(0.0, 1.0, 40).Begin(FakeForm(), 1);
   EXPECT_EQ(other->GetBoardCount(), 0u);
@@ -158,7 +158,7 @@ TEST(AnimationControllerCallbacks, CallbacksMayBeginAndStopBoards) {
   TestClock clock;
   Log log;
   int destroyed = 0;
-  ControllerPtr controller(new AnimationController(FakeForm()));
+  ControllerPtr controller = NewController();
   auto* first = &(new LoggingBoard("first", &log, &destroyed))->Animate(0.0, 1.0, 20);
   auto* victim = &(new LoggingBoard("victim", &log, &destroyed))->Animate(0.0, 1.0, 100);
   auto* self = &(new LoggingBoard("self", &log, &destroyed))->Animate(0.0, 1.0, 20);

@@ -42,16 +42,36 @@ class TestClock : public IMessageClock {
   IMessageClock* m_previous;
 };
 
-// The animation layer only passes forms around; it never enters one.
-inline CUIForm* FakeForm(int index = 0) {
-  static char forms[4];
-  return reinterpret_cast<CUIForm*>(&forms[index]);
+// The animation layer only passes forms around; it never enters one. Each
+// stand-in form owns at most one controller, found through the resolver the
+// form layer would install.
+inline char g_fakeForms[4];
+inline AnimationController* g_fakeFormControllers[4];
+
+inline CUIForm* FakeForm(int index = 0) { return reinterpret_cast<CUIForm*>(&g_fakeForms[index]); }
+
+inline AnimationController* FakeFormController(CUIForm* form) {
+  for (int i = 0; i < 4; ++i)
+    if (form == FakeForm(i)) return g_fakeFormControllers[i];
+  return nullptr;
 }
 
 struct ControllerRelease {
-  void operator()(AnimationController* controller) const { controller->Release(); }
+  void operator()(AnimationController* controller) const {
+    for (AnimationController*& slot : g_fakeFormControllers)
+      if (slot == controller) slot = nullptr;
+    controller->Release();
+  }
 };
 using ControllerPtr = std::unique_ptr<AnimationController, ControllerRelease>;
+
+// A controller owned by stand-in form `index`.
+inline ControllerPtr NewController(int index = 0) {
+  AnimationController::SetFormResolver(&FakeFormController);
+  auto* controller = new AnimationController(FakeForm(index));
+  g_fakeFormControllers[index] = controller;
+  return ControllerPtr(controller);
+}
 
 // Logs "<name>:completed" / "<name>:changed" and counts its destructions.
 class LoggingBoard : public AnimationBoard {

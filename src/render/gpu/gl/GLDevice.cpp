@@ -1,11 +1,11 @@
 #include "render/gpu/gl/GLDevice.h"
 
-#include <unistd.h>
 
 #include <algorithm>
 #include <cstddef>
 #include <new>
 
+#include "platform/SystemInfo.h"
 #include "render/gpu/SpriteFont.h"
 
 namespace KarvelUI::gl {
@@ -51,9 +51,7 @@ std::int64_t DetectTextureMemory() {
     glGetIntegerv(GL_TEXTURE_FREE_MEMORY_ATI, kilobytes);
     bytes = std::int64_t{kilobytes[0]} * 1024;
   } else {
-    const long pages = sysconf(_SC_PHYS_PAGES);
-    const long pageSize = sysconf(_SC_PAGE_SIZE);
-    if (pages > 0 && pageSize > 0) bytes = std::int64_t{pages} * pageSize / 2;
+    bytes = GetPhysicalMemoryBytes() / 2;  // a shared-memory adapter: guess half of it
   }
   constexpr std::int64_t kMaxReported = std::int64_t{2047} << 20;
   return std::clamp<std::int64_t>(bytes, 0, kMaxReported);
