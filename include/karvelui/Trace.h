@@ -5,7 +5,7 @@
 // the global g_ITrace. Levels below the threshold (1) are dropped before
 // anything is formatted. Lines from different threads never mix.
 //
-//   g_ITrace->Trace(2, 1, L"Create obj error:%s, type:%s\n", name, type);
+//   g_ITrace->Trace(TRACE_LEVEL_ERROR, TRACE_FLUSH, L"Create obj error:%s, type:%s\n", name, type);
 
 #include <functional>
 #include <span>
@@ -18,6 +18,17 @@
 #include <karvelui/Sync.h>
 
 namespace KarvelUI {
+
+// What a line reports; the level is not written into the line.
+enum TraceLevel : int {
+  TRACE_LEVEL_DROPPED = 0,   // below the threshold: never written
+  TRACE_LEVEL_ERROR = 2,     // skin, control and list errors ("<ERROR> ", "<WARNING> ")
+  TRACE_LEVEL_FALLBACK = 3,  // a fallback taken (device creation and reset attempts)
+  TRACE_LEVEL_DEVICE = 4,    // graphics device failures ("<D3DERROR> ") and pictures that do not decode
+};
+
+// Whether the line is flushed to the file at once; the library always does.
+enum TraceFlush : int { TRACE_NO_FLUSH = 0, TRACE_FLUSH = 1 };
 
 class KARVELUI_API ITrace {
  public:

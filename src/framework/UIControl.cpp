@@ -206,7 +206,7 @@ void CUIControl::BuildChildFromXML(void* childNode) {
   }
   CUIControl* child = CUISkinManager::GetInstance()->CreateSkinObject(type);
   if (!child) {
-    g_ITrace->Trace(2, 1, L"Create obj error:%s, type:%s\n", name, type);
+    g_ITrace->Trace(TRACE_LEVEL_ERROR, TRACE_FLUSH, L"Create obj error:%s, type:%s\n", name, type);
     return;
   }
   child->SetObjectID(name);

@@ -107,7 +107,7 @@ void CUIForm::ShowD3DInitFailure(HRESULT result) {
   CommonString* strings = CommonString::GetInstance();
   MessageBoxW(nullptr, strings->GetStringViaID(L"STRID_ERROR_D3DINITFAIL"),
               strings->GetStringViaID(L"STRID_ERROR_D3DINITFAIL_TITLE"), MB_OK);
-  g_ITrace->Trace(2, 1, L"<ERROR> init d3d error:%d\n", result);
+  g_ITrace->Trace(TRACE_LEVEL_ERROR, TRACE_FLUSH, L"<ERROR> init d3d error:%d\n", result);
 }
 
 BOOL CUIForm::OnEraseBkgnd() { return TRUE; }  // the whole tree is drawn on every paint

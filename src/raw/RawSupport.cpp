@@ -138,7 +138,7 @@ int GenerateRawJPGFile(const CString& rawPath, const CString& jpgPath) {
 
   if (!CopyAccessTime(rawPath, jpgPath)) {
     // The JPEG stays; its differing time makes the next call extract again.
-    g_ITrace->Trace(3, 1, L"Error in SetStatus for %u", static_cast<unsigned>(errno));
+    g_ITrace->Trace(TRACE_LEVEL_FALLBACK, TRACE_FLUSH, L"Error in SetStatus for %u", static_cast<unsigned>(errno));
     return 0;
   }
   return 1;

@@ -76,32 +76,32 @@ HRESULT DXCore::_InitD3D() {
   // Each fallback changes one parameter and keeps the earlier changes.
   HRESULT hr = CreateDevice();
   if (FAILED(hr)) {
-    g_ITrace->Trace(3, 1, L"fail try Double Buffer: %d", hr);
-    g_ITrace->Trace(3, 1, L"try single buffer");
+    g_ITrace->Trace(TRACE_LEVEL_FALLBACK, TRACE_FLUSH, L"fail try Double Buffer: %d", hr);
+    g_ITrace->Trace(TRACE_LEVEL_FALLBACK, TRACE_FLUSH, L"try single buffer");
     m_d3dpp.BackBufferCount = 1;
     hr = CreateDevice();
   }
   if (FAILED(hr)) {
-    g_ITrace->Trace(3, 1, L"fail try: %d", hr);
-    g_ITrace->Trace(3, 1, L"try D3DFMT_A1R5G5B5");
+    g_ITrace->Trace(TRACE_LEVEL_FALLBACK, TRACE_FLUSH, L"fail try: %d", hr);
+    g_ITrace->Trace(TRACE_LEVEL_FALLBACK, TRACE_FLUSH, L"try D3DFMT_A1R5G5B5");
     m_d3dpp.BackBufferFormat = D3DFMT_A1R5G5B5;
     hr = CreateDevice();
   }
   if (FAILED(hr)) {
-    g_ITrace->Trace(3, 1, L"fail try D3DSWAPEFFECT_DISCARD: %d", hr);
-    g_ITrace->Trace(3, 1, L"try D3DSWAPEFFECT_COPY");
+    g_ITrace->Trace(TRACE_LEVEL_FALLBACK, TRACE_FLUSH, L"fail try D3DSWAPEFFECT_DISCARD: %d", hr);
+    g_ITrace->Trace(TRACE_LEVEL_FALLBACK, TRACE_FLUSH, L"try D3DSWAPEFFECT_COPY");
     m_d3dpp.SwapEffect = D3DSWAPEFFECT_COPY;
     hr = CreateDevice();
   }
   if (FAILED(hr)) {
-    g_ITrace->Trace(4, 1, L"<D3DERROR> Create D3DDevice fail: %d", hr);
+    g_ITrace->Trace(TRACE_LEVEL_DEVICE, TRACE_FLUSH, L"<D3DERROR> Create D3DDevice fail: %d", hr);
     return hr;
   }
 
   TraceDeviceCaps();
   hr = D3DXCreateSprite(m_pD3DDevice.Get(), m_pD3DXSprite.Receive());
   if (FAILED(hr)) {
-    g_ITrace->Trace(4, 1, L"<D3DERROR> Create sprite fail: %d", hr);
+    g_ITrace->Trace(TRACE_LEVEL_DEVICE, TRACE_FLUSH, L"<D3DERROR> Create sprite fail: %d", hr);
     return hr;
   }
   if (!m_pDeviceLock) m_pDeviceLock.reset(UILock::CreateLock());
@@ -113,7 +113,7 @@ void DXCore::TraceDeviceCaps() {
   m_pD3DDevice->GetDeviceCaps(&caps);
   const UINT memory = m_pD3DDevice->GetAvailableTextureMem();
   // The numbers print as signed 32-bit values, as the log has always shown them.
-  g_ITrace->Trace(3, 1,
+  g_ITrace->Trace(TRACE_LEVEL_FALLBACK, TRACE_FLUSH,
                   L"Device Caps:\r\n                      MaxTextureWidth: %d, MaxTextureHeight: %d\r\n"
                   L"                      AvailableTextureMem: %d",
                   static_cast<int>(caps.MaxTextureWidth), static_cast<int>(caps.MaxTextureHeight),
@@ -167,12 +167,12 @@ HRESULT DXCore::BeginPaint() {
   }
   HRESULT hr = m_pD3DDevice->BeginScene();
   if (FAILED(hr)) {
-    g_ITrace->Trace(4, 1, L"<D3DERROR> Begin scene fail: %d", hr);
+    g_ITrace->Trace(TRACE_LEVEL_DEVICE, TRACE_FLUSH, L"<D3DERROR> Begin scene fail: %d", hr);
     return hr;
   }
   hr = m_pD3DXSprite->Begin(D3DXSPRITE_ALPHABLEND);
   if (FAILED(hr)) {
-    g_ITrace->Trace(4, 1, L"<D3DERROR> Begin sprite fail: %d", hr);
+    g_ITrace->Trace(TRACE_LEVEL_DEVICE, TRACE_FLUSH, L"<D3DERROR> Begin sprite fail: %d", hr);
     m_bSceneOpen = true;
     return hr;
   }
@@ -183,12 +183,12 @@ HRESULT DXCore::EndPaint() {
   if (!m_pD3DDevice || !m_pD3DXSprite) return E_FAIL;
   HRESULT hr = m_pD3DXSprite->End();
   if (FAILED(hr)) {
-    g_ITrace->Trace(4, 1, L"<D3DERROR> End sprite fail: %d", hr);
+    g_ITrace->Trace(TRACE_LEVEL_DEVICE, TRACE_FLUSH, L"<D3DERROR> End sprite fail: %d", hr);
     return hr;
   }
   hr = m_pD3DDevice->EndScene();
   if (FAILED(hr)) {
-    g_ITrace->Trace(4, 1, L"<D3DERROR> End scene fail: %d", hr);
+    g_ITrace->Trace(TRACE_LEVEL_DEVICE, TRACE_FLUSH, L"<D3DERROR> End scene fail: %d", hr);
     return hr;
   }
   hr = m_pD3DDevice->Present(nullptr, nullptr, nullptr, nullptr);
@@ -198,7 +198,7 @@ HRESULT DXCore::EndPaint() {
     if (SUCCEEDED(reset)) return D3DERR_DEVICELOST;  // the caller paints again
   }
   if (FAILED(hr)) {
-    g_ITrace->Trace(4, 1, L"<D3DERROR> Present fail: %d", hr);
+    g_ITrace->Trace(TRACE_LEVEL_DEVICE, TRACE_FLUSH, L"<D3DERROR> Present fail: %d", hr);
     return hr;
   }
   return S_OK;
@@ -216,25 +216,25 @@ HRESULT DXCore::ResetD3DSize(DXSIZE size) {
   // The fallbacks run in the reverse direction of creation for the swap effect.
   HRESULT hr = m_pD3DDevice->Reset(&m_d3dpp);
   if (FAILED(hr) && m_d3dpp.BackBufferFormat != D3DFMT_A1R5G5B5) {
-    g_ITrace->Trace(3, 1, L"fail reset: %d", hr);
-    g_ITrace->Trace(3, 1, L"try D3DFMT_A1R5G5B5");
+    g_ITrace->Trace(TRACE_LEVEL_FALLBACK, TRACE_FLUSH, L"fail reset: %d", hr);
+    g_ITrace->Trace(TRACE_LEVEL_FALLBACK, TRACE_FLUSH, L"try D3DFMT_A1R5G5B5");
     m_d3dpp.BackBufferFormat = D3DFMT_A1R5G5B5;
     hr = m_pD3DDevice->Reset(&m_d3dpp);
   }
   if (FAILED(hr) && m_d3dpp.SwapEffect != D3DSWAPEFFECT_DISCARD) {
-    g_ITrace->Trace(3, 1, L"fail reset D3DSWAPEFFECT_COPY: %d", hr);
-    g_ITrace->Trace(3, 1, L"try D3DSWAPEFFECT_DISCARD");
+    g_ITrace->Trace(TRACE_LEVEL_FALLBACK, TRACE_FLUSH, L"fail reset D3DSWAPEFFECT_COPY: %d", hr);
+    g_ITrace->Trace(TRACE_LEVEL_FALLBACK, TRACE_FLUSH, L"try D3DSWAPEFFECT_DISCARD");
     m_d3dpp.SwapEffect = D3DSWAPEFFECT_DISCARD;
     hr = m_pD3DDevice->Reset(&m_d3dpp);
   }
   if (FAILED(hr)) {
-    g_ITrace->Trace(4, 1, L"<D3DERROR> Reset D3DDevice fail: %d", hr);
+    g_ITrace->Trace(TRACE_LEVEL_DEVICE, TRACE_FLUSH, L"<D3DERROR> Reset D3DDevice fail: %d", hr);
     return hr;
   }
   // Managed textures survive the reset; nothing in the cache is reloaded.
   hr = D3DXCreateSprite(m_pD3DDevice.Get(), m_pD3DXSprite.Receive());
   if (FAILED(hr)) {
-    g_ITrace->Trace(4, 1, L"<D3DERROR> Create sprite fail: %d", hr);
+    g_ITrace->Trace(TRACE_LEVEL_DEVICE, TRACE_FLUSH, L"<D3DERROR> Create sprite fail: %d", hr);
     return hr;
   }
   return S_OK;
@@ -308,7 +308,7 @@ HRESULT DXCore::DrawImage(IDirect3DTexture9* texture, const RECT* source, const 
   if (!m_pD3DXSprite) return E_FAIL;
   const HRESULT hr = m_pD3DXSprite->Draw(texture, source, centre, position, ApplyOpacity(colour));
   if (FAILED(hr)) {
-    g_ITrace->Trace(4, 1, L"<D3DERROR> Draw image fail: %d", hr);
+    g_ITrace->Trace(TRACE_LEVEL_DEVICE, TRACE_FLUSH, L"<D3DERROR> Draw image fail: %d", hr);
     return hr;
   }
   return S_OK;

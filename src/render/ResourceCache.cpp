@@ -264,7 +264,7 @@ int ResourceCache::CacheTextureFromFile(CString path, IDirect3DDevice9* device, 
   const bool decoded = item->nState == TEXTURE_STATE_DECODED && item->pBitmap;
   if ((!decoded && !DecodeFile(path, item, decodeOnly)) || (!decodeOnly && !UploadBitmap(device, item))) {
     item->nState = TEXTURE_STATE_FAILED;
-    g_ITrace->Trace(4, 1, L"<ERROR> Decode Fail: %s", path);
+    g_ITrace->Trace(TRACE_LEVEL_DEVICE, TRACE_FLUSH, L"<ERROR> Decode Fail: %s", path);
     return 0;
   }
   if (decodeOnly) return 1;

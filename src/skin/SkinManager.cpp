@@ -67,19 +67,19 @@ CString CUISkinManager::SkinFolder(const CString& name) const {
 
 int CUISkinManager::InitSkinData() {
   if (!LoadSkinBuildFile()) {
-    g_ITrace->Trace(2, 1, L"CUISkinManager InitSkinData()->LoadSkinBuidFile() occur Error");
+    g_ITrace->Trace(TRACE_LEVEL_ERROR, TRACE_FLUSH, L"CUISkinManager InitSkinData()->LoadSkinBuidFile() occur Error");
     return 0;
   }
   if (!LoadAllSkinItem()) {
-    g_ITrace->Trace(2, 1, L"CUISkinManager InitSkinData()->LoadAllSkinItem() occur Error");
+    g_ITrace->Trace(TRACE_LEVEL_ERROR, TRACE_FLUSH, L"CUISkinManager InitSkinData()->LoadAllSkinItem() occur Error");
     return 0;
   }
   if (!LoadDefaultSkin()) {
-    g_ITrace->Trace(2, 1, L"CUISkinManager InitSkinData()->LoadDefaultSkin() occur Error");
+    g_ITrace->Trace(TRACE_LEVEL_ERROR, TRACE_FLUSH, L"CUISkinManager InitSkinData()->LoadDefaultSkin() occur Error");
     return 0;
   }
   if (!LoadPreSkin()) {
-    g_ITrace->Trace(2, 1, L"CUISkinManager InitSkinData()->LoadPreSkin() occur Error");
+    g_ITrace->Trace(TRACE_LEVEL_ERROR, TRACE_FLUSH, L"CUISkinManager InitSkinData()->LoadPreSkin() occur Error");
     return 0;
   }
   return 1;
@@ -250,7 +250,7 @@ void CUISkinManager::ReadCssData(const CString& css, const CString& type, _SkinC
   if (!node) return;
   const SkinConfigPtr* prototype = m_prototypes.PLookup(type);
   if (!prototype || !*prototype) {
-    g_ITrace->Trace(2, 1, L"SkinManager ReadCssData error, No defualt config: css(%s), type(%s)\n", css, type);
+    g_ITrace->Trace(TRACE_LEVEL_ERROR, TRACE_FLUSH, L"SkinManager ReadCssData error, No defualt config: css(%s), type(%s)\n", css, type);
     return;
   }
   out = (*prototype)->Clone();

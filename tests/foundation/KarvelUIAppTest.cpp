@@ -32,7 +32,7 @@ TEST(KarvelUIApp, StartUpRecordsAppPathAndTrimsTheLogShutDownReleasesIt) {
   EXPECT_EQ(g_ITrace, ITrace_imp::GetInstance());
   EXPECT_EQ(TempDir::Read(log), std::string(250000, 'n'));
 
-  g_ITrace->Trace(2, 1, L"<ERROR> last words");
+  g_ITrace->Trace(TRACE_LEVEL_ERROR, TRACE_FLUSH, L"<ERROR> last words");
   EXPECT_EQ(app.ExitInstance(), 0);
   EXPECT_EQ(g_ITrace, nullptr);
   EXPECT_EQ(app.ExitInstance(), 0);  // nothing left to release

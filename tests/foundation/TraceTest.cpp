@@ -54,7 +54,7 @@ TEST(TraceLog, LineFormatLevelsAndNarrowText) {
   EXPECT_TRUE(log->Trace(0, 1, L"dropped %d", 1));
   EXPECT_TRUE(log->Trace(1, 1, L"<ERROR> level one %d", 1));
   EXPECT_TRUE(log->Trace(2, 0, L"Create obj error:%s, type:%s\n", CString(L"btnOK"), L"Button"));
-  EXPECT_TRUE(log->Trace(4, 1, L"<ERROR> Decode Fail: %s", CString(L"\\pics\\\u5199\u771f.jpg")));
+  EXPECT_TRUE(log->Trace(TRACE_LEVEL_DEVICE, TRACE_FLUSH, L"<ERROR> Decode Fail: %s", CString(L"\\pics\\\u5199\u771f.jpg")));
   log->Close();
   EXPECT_EQ(MessagesIn(TempDir::Read(file)),
             (std::vector<std::string>{"<ERROR> level one 1", "Create obj error:btnOK, type:Button\n",
@@ -70,7 +70,7 @@ TEST(TraceLog, TimeStampIsLocalTimeWithTrailingSpace) {
 TEST(TraceLog, OverlongMessageIsCutTo1023Characters) {
   TempDir dir;
   TraceLog log = OpenLog(dir.Path() / "t.log");
-  log->Trace(2, 1, L"%s", CString(std::wstring(2000, L'x')));
+  log->Trace(TRACE_LEVEL_ERROR, TRACE_FLUSH, L"%s", CString(std::wstring(2000, L'x')));
   log->Close();
   const auto messages = MessagesIn(TempDir::Read(dir.Path() / "t.log"));
   ASSERT_EQ(messages.size(), 1u);
@@ -86,7 +86,7 @@ TEST(TraceLog, OversizedLogKeepsItsLast250000BytesThenAppends) {
   {
     TraceLog log = OpenLog(file);
     EXPECT_EQ(TempDir::Read(file), old.substr(600000 - 250000));
-    log->Trace(2, 1, L"after trim");
+    log->Trace(TRACE_LEVEL_ERROR, TRACE_FLUSH, L"after trim");
   }
   const std::string content = TempDir::Read(file);
   ASSERT_GT(content.size(), 250000u);
@@ -105,13 +105,13 @@ TEST(TraceLog, ReopensAfterCloseAndSharesTheFileWithOthers) {
   const auto file = dir.Path() / "shared.log";
   TraceLog first = OpenLog(file);
   TraceLog second = OpenLog(file);  // e.g. another process using the library
-  first->Trace(2, 1, L"one");
-  second->Trace(2, 1, L"two");
+  first->Trace(TRACE_LEVEL_ERROR, TRACE_FLUSH, L"one");
+  second->Trace(TRACE_LEVEL_ERROR, TRACE_FLUSH, L"two");
   first->Close();
   EXPECT_FALSE(first->IsOpen());
-  first->Trace(2, 1, L"three");
+  first->Trace(TRACE_LEVEL_ERROR, TRACE_FLUSH, L"three");
   EXPECT_TRUE(first->IsOpen());
-  second->Trace(2, 1, L"four");
+  second->Trace(TRACE_LEVEL_ERROR, TRACE_FLUSH, L"four");
   EXPECT_EQ(MessagesIn(TempDir::Read(file)), (std::vector<std::string>{"one", "two", "three", "four"}));
 }
 
@@ -121,7 +121,7 @@ TEST(TraceLog, UnopenableFileMakesTraceANoOp) {
   TraceCapture capture;
   TraceLog log = OpenLog(blocker / "x.log");
   EXPECT_FALSE(log->IsOpen());
-  EXPECT_TRUE(log->Trace(2, 1, L"lost"));
+  EXPECT_TRUE(log->Trace(TRACE_LEVEL_ERROR, TRACE_FLUSH, L"lost"));
   EXPECT_FALSE(log->IsOpen());
   ASSERT_EQ(capture.Lines().size(), 1u);  // still seen by the capture
 }
@@ -164,8 +164,8 @@ TEST(TraceLog, GlobalLogCaptureAndRelease) {
   {
     TraceCapture capture;
     g_ITrace->Trace(0, 1, L"below threshold");
-    g_ITrace->Trace(3, 1, L"fallback %d of %d", 2, 3);
-    g_ITrace->Trace(4, 1, L"<D3DERROR> Begin scene fail: %d", -2005530520);
+    g_ITrace->Trace(TRACE_LEVEL_FALLBACK, TRACE_FLUSH, L"fallback %d of %d", 2, 3);
+    g_ITrace->Trace(TRACE_LEVEL_DEVICE, TRACE_FLUSH, L"<D3DERROR> Begin scene fail: %d", -2005530520);
     const auto lines = capture.Lines();
     ASSERT_EQ(lines.size(), 2u);
     EXPECT_EQ(lines[0].level, 3);
