@@ -55,45 +55,42 @@ class FakeEffect final : public RefCounted<ID3DXEffect> {
  public:
   explicit FakeEffect(std::shared_ptr<FakeGpu> gpu) : m_gpu(std::move(gpu)) { m_gpu->EffectMade(); }
   HRESULT SetTechnique(const char* name) override {
-    return m_gpu->Enter(Call::EffectSetTechnique, std::string("Effect.SetTechnique ") + (name ? name : "(null)"));
+    return Step(Call::EffectSetTechnique, std::string("Effect.SetTechnique ") + (name ? name : ""), name);
   }
   HRESULT SetFloat(const char* name, float value) override {
     char number[32];
     std::snprintf(number, sizeof number, "%g", value);
-    return m_gpu->Enter(Call::EffectSetFloat, std::string("Effect.SetFloat ") + (name ? name : "(null)") + "=" + number);
+    return Step(Call::EffectSetFloat, std::string("Effect.SetFloat ") + (name ? name : "") + "=" + number, name);
   }
   HRESULT Begin(UINT* passes, DWORD flags) override {
-    const HRESULT hr = m_gpu->Enter(Call::EffectBegin, "Effect.Begin flags=" + Hex(flags));
-    if (FAILED(hr)) return hr;
-    if (!passes || m_begun) return D3DERR_INVALIDCALL;
-    m_begun = true;
-    *passes = m_gpu->effectPasses;
-    return S_OK;
+    const HRESULT hr = Step(Call::EffectBegin, "Effect.Begin flags=" + Hex(flags), passes && !m_begun);
+    if (hr == S_OK) m_begun = true, *passes = m_gpu->effectPasses;
+    return hr;
   }
   HRESULT BeginPass(UINT pass) override {
-    const HRESULT hr = m_gpu->Enter(Call::EffectBeginPass, "Effect.BeginPass " + std::to_string(pass));
-    if (FAILED(hr)) return hr;
-    if (!m_begun || m_inPass || pass >= m_gpu->effectPasses) return D3DERR_INVALIDCALL;
-    m_inPass = true;
-    return S_OK;
+    const bool valid = m_begun && !m_inPass && pass < m_gpu->effectPasses;
+    const HRESULT hr = Step(Call::EffectBeginPass, "Effect.BeginPass " + std::to_string(pass), valid);
+    if (hr == S_OK) m_inPass = true;
+    return hr;
   }
   HRESULT EndPass() override {
-    const HRESULT hr = m_gpu->Enter(Call::EffectEndPass, "Effect.EndPass");
-    if (FAILED(hr)) return hr;
-    if (!m_inPass) return D3DERR_INVALIDCALL;
-    m_inPass = false;
-    return S_OK;
+    const HRESULT hr = Step(Call::EffectEndPass, "Effect.EndPass", m_inPass);
+    if (hr == S_OK) m_inPass = false;
+    return hr;
   }
   HRESULT End() override {
-    const HRESULT hr = m_gpu->Enter(Call::EffectEnd, "Effect.End");
-    if (FAILED(hr)) return hr;
-    if (!m_begun || m_inPass) return D3DERR_INVALIDCALL;
-    m_begun = false;
-    return S_OK;
+    const HRESULT hr = Step(Call::EffectEnd, "Effect.End", m_begun && !m_inPass);
+    if (hr == S_OK) m_begun = false;
+    return hr;
   }
 
  private:
   ~FakeEffect() override { m_gpu->EffectGone(); }
+  // The injected failure, else D3DERR_INVALIDCALL for a call out of order.
+  HRESULT Step(Call call, std::string line, bool valid) {
+    const HRESULT hr = m_gpu->Enter(call, std::move(line));
+    return FAILED(hr) ? hr : valid ? S_OK : D3DERR_INVALIDCALL;
+  }
   std::shared_ptr<FakeGpu> m_gpu;
   bool m_begun = false;
   bool m_inPass = false;
