@@ -5,6 +5,9 @@
 //   karvelview                       a window (or a screenshot without a display)
 //   karvelview --screenshot FILE     paint the main form off screen into a PNG
 //   karvelview --skin NAME           start with that skin
+//   karvelview --effect NAME --screenshot FILE
+//                                    the same with one frame of a full-window
+//                                    effect (BandedSwirlEffect) drawn over it
 //
 // The skins ("Theme"), the string table and the sample photos lie beside
 // the program.
@@ -24,11 +27,16 @@
 
 using namespace KarvelUI;
 
+namespace KarvelView {
+bool ApplyNamedEffect(CUIForm& form, const CString& name);  // Effects.cpp
+}
+
 namespace {
 
 struct Options {
   std::string screenshot;  // empty: windowed
   CString skin;
+  CString effect;  // empty: none
 };
 
 bool HasDisplay() {
@@ -46,8 +54,10 @@ bool ParseOptions(int argc, char** argv, Options& options) {
       options.screenshot = argv[++i];
     } else if (arg == "--skin" && i + 1 < argc) {
       options.skin = CString(argv[++i]);
+    } else if (arg == "--effect" && i + 1 < argc) {
+      options.effect = CString(argv[++i]);
     } else {
-      std::fprintf(stderr, "usage: %s [--screenshot FILE.png] [--skin NAME]\n", argv[0]);
+      std::fprintf(stderr, "usage: %s [--screenshot FILE.png] [--skin NAME] [--effect NAME]\n", argv[0]);
       return false;
     }
   }
@@ -86,6 +96,11 @@ int RunViewer(const Options& options) {
   if (options.screenshot.empty()) return RunMessageLoop();
 
   PaintOnce(*form);
+  if (!options.effect.IsEmpty() && !KarvelView::ApplyNamedEffect(*form, options.effect)) {
+    form->Release();
+    std::fprintf(stderr, "karvelview: no effect %s (see the trace log)\n", options.effect.ToUtf8().c_str());
+    return 1;
+  }
   const bool written = KarvelView::WriteScreenshot(*form->GetRenderDevice(), options.screenshot);
   form->Release();
   if (!written) {

@@ -26,6 +26,7 @@
 // covers one unit before the sprite transform.
 
 #include <cstdint>
+#include <string>
 #include <vector>
 
 #include <karvelui/Export.h>
@@ -39,6 +40,17 @@ class IDirect3DDevice9;
 class IDirect3DTexture9;
 class ID3DXSprite;
 class ID3DXFont;
+class ID3DXEffect;
+
+// Primitive types of DrawPrimitiveUP: effects draw their quad as a strip.
+enum D3DPRIMITIVETYPE : DWORD { D3DPT_TRIANGLESTRIP = 5 };
+
+// The one vertex layout of effect draws (position, then one texture
+// coordinate): D3DFVF_XYZ | D3DFVF_TEX1.
+struct D3DEFFECTVERTEX {
+  float x, y, z;  // clip space (see DrawPrimitiveUP)
+  float u, v;     // texture coordinates, (0, 0) the texture's top-left corner
+};
 
 // The process-wide object that makes devices.
 class IDirect3D9 : public IRefCounted {
@@ -81,8 +93,24 @@ class IDirect3DDevice9 : public IRefCounted {
   // The back buffer as drawn so far: 0xAARRGGBB texels, rows from the top,
   // size->cx * size->cy of them. Pending sprite draws are drawn first.
   virtual HRESULT ReadBackBuffer(std::vector<DWORD>& pixels, CSize& size) = 0;
-  // Full-window shader effects extend this interface with an effect object
-  // (compile, set parameters, draw a quad over the back buffer).
+
+  // --- full-window shader effects ---
+  // Compiles an effect from its source text (the backend's shader language;
+  // see D3DXCreateEffectFromFileW). Compiler messages, warnings included, go
+  // into *messages when given. A source that does not compile is E_FAIL.
+  virtual HRESULT CreateEffect(const std::string& source, DWORD flags, ID3DXEffect** effect,
+                               std::string* messages) = 0;
+  // The texture the effect's sampler reads; stage 0 only (D3DERR_INVALIDCALL
+  // for any other). Held by the device until replaced; null unbinds.
+  virtual HRESULT SetTexture(DWORD stage, IDirect3DTexture9* texture) = 0;
+  // Draws `primitiveCount` triangles of a D3DPT_TRIANGLESTRIP of
+  // D3DEFFECTVERTEX records `stride` bytes apart through the pass in
+  // progress (D3DERR_INVALIDCALL outside a pass), without blending. Clip
+  // space keeps the rule of the interface this layer is shaped after: the
+  // centre of pixel (0, 0) lies at (-1, 1), so a quad maps texels to pixels
+  // one to one when its corners are shifted half a pixel left and up.
+  // Sprite draws batched before are drawn first.
+  virtual HRESULT DrawPrimitiveUP(D3DPRIMITIVETYPE type, UINT primitiveCount, const void* vertices, UINT stride) = 0;
 };
 
 class IDirect3DTexture9 : public IRefCounted {
@@ -117,6 +145,21 @@ class ID3DXFont : public IRefCounted {
                         D3DCOLOR color) = 0;
 };
 
+// A compiled effect: one technique of one or more passes, float parameters
+// set by name. Per frame: Begin, then BeginPass / draws / EndPass for each
+// pass, then End. Parameters set during a pass apply from its next draw.
+class ID3DXEffect : public IRefCounted {
+ public:
+  // D3DERR_INVALIDCALL when the effect has no technique of that name.
+  virtual HRESULT SetTechnique(const char* name) = 0;
+  // D3DERR_INVALIDCALL when no stage of the technique reads a float of that name.
+  virtual HRESULT SetFloat(const char* name, float value) = 0;
+  virtual HRESULT Begin(UINT* passes, DWORD flags) = 0;
+  virtual HRESULT BeginPass(UINT pass) = 0;
+  virtual HRESULT EndPass() = 0;
+  virtual HRESULT End() = 0;
+};
+
 // The OpenGL backend's process object; null for any other SDK version.
 KARVELUI_API IDirect3D9* Direct3DCreate9(UINT sdkVersion);
 
@@ -126,5 +169,18 @@ KARVELUI_API HRESULT D3DXCreateFontW(IDirect3DDevice9* device, int height, UINT 
                                      UINT mipLevels, BOOL italic, DWORD charSet, DWORD outputPrecision,
                                      DWORD quality, DWORD pitchAndFamily, const wchar_t* faceName,
                                      ID3DXFont** font);
+
+// Reads the effect file at `path` (library form) and compiles it on the
+// device. A file that cannot be read (or is larger than an effect can be)
+// is E_FAIL with a message naming it. The OpenGL backend's effect files
+// hold GLSL 3.30 in sections, each begun by a marker line:
+//   //! technique NAME     the technique's name (one technique, one pass)
+//   //! vertex             the vertex stage: inputs at locations 0 (vec3
+//                          position) and 1 (vec2 texture coordinate)
+//   //! fragment           the fragment stage; every sampler2D reads stage 0
+// Uniform floats are the parameters. `flags` are compiler switches of the
+// interface this layer is shaped after; GLSL has none, so they are ignored.
+KARVELUI_API HRESULT D3DXCreateEffectFromFileW(IDirect3DDevice9* device, const wchar_t* path, DWORD flags,
+                                               ID3DXEffect** effect, std::string* messages);
 
 }  // namespace KarvelUI

@@ -38,6 +38,8 @@ inline constexpr UINT UI_WM_RELEASEMENU = 10907;
 inline constexpr UINT UI_WM_MENUHOVER = 4325;
 
 using UITimerHandler = FastDelegate1<unsigned int, void>;
+// Paints a whole frame on the form's render device in place of the tree.
+using UIPaintHandler = FastDelegate1<DXCore*, void>;
 
 // A popup menu window as its owner form sees it: the form dismisses its
 // active menu on UI_WM_RELEASEMENU and when the form itself is clicked.
@@ -135,6 +137,10 @@ class KARVELUI_API CUIForm : public CWnd, public CUIControl {
   void SetActiveMenu(CUIPopupMenu* menu) { m_pActiveMenu = menu; }
   CUIPopupMenu* GetActiveMenu() const { return m_pActiveMenu; }
   DXCore* GetRenderDevice() const { return m_pDXCore.get(); }
+  // While set, a paint hands the render device (with its texture lock held)
+  // to `painter` instead of drawing the tree: a full-window effect playing
+  // over the form. An empty delegate restores the usual paint.
+  void SetPaintOverride(UIPaintHandler painter) { m_paintOverride = painter; }
   AnimationController* GetAnimationController() const { return m_pAnimationController.get(); }
 
   // --- skin --------------------------------------------------------------------------------
@@ -202,6 +208,7 @@ class KARVELUI_API CUIForm : public CWnd, public CUIControl {
   std::map<UINT, UITimerHandler> m_mapTimerHandlers;
   std::vector<CUIControl*> m_vecTabOrder;
   int m_nCurTabIndex = 0;
+  UIPaintHandler m_paintOverride;
 };
 
 }  // namespace KarvelUI

@@ -206,7 +206,9 @@ void CUIForm::OnPaint(UINT flag) {
       // Held for the whole frame: the thumbnail loader locks and fills
       // tile textures from its own thread.
       UILock lock(m_pDXCore->GetResourceCache()->GetTextureLock());
-      if (SUCCEEDED(m_pDXCore->BeginPaint())) {
+      if (m_paintOverride) {
+        m_paintOverride(m_pDXCore.get());
+      } else if (SUCCEEDED(m_pDXCore->BeginPaint())) {
         Render(m_pDXCore.get(), &clip);
         if (m_pDXCore->EndPaint() == D3DERR_DEVICELOST) PostMessage(WM_PAINT, flag, 0);
       }

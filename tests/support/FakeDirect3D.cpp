@@ -51,6 +51,51 @@ class FakeFont final : public RefCounted<ID3DXFont> {
   std::shared_ptr<FakeGpu> m_gpu;
 };
 
+class FakeEffect final : public RefCounted<ID3DXEffect> {
+ public:
+  explicit FakeEffect(std::shared_ptr<FakeGpu> gpu) : m_gpu(std::move(gpu)) { m_gpu->EffectMade(); }
+  HRESULT SetTechnique(const char* name) override {
+    return Step(Call::EffectSetTechnique, std::string("Effect.SetTechnique ") + (name ? name : ""), name);
+  }
+  HRESULT SetFloat(const char* name, float value) override {
+    char number[32];
+    std::snprintf(number, sizeof number, "%g", value);
+    return Step(Call::EffectSetFloat, std::string("Effect.SetFloat ") + (name ? name : "") + "=" + number, name);
+  }
+  HRESULT Begin(UINT* passes, DWORD flags) override {
+    const HRESULT hr = Step(Call::EffectBegin, "Effect.Begin flags=" + Hex(flags), passes && !m_begun);
+    if (hr == S_OK) m_begun = true, *passes = m_gpu->effectPasses;
+    return hr;
+  }
+  HRESULT BeginPass(UINT pass) override {
+    const bool valid = m_begun && !m_inPass && pass < m_gpu->effectPasses;
+    const HRESULT hr = Step(Call::EffectBeginPass, "Effect.BeginPass " + std::to_string(pass), valid);
+    if (hr == S_OK) m_inPass = true;
+    return hr;
+  }
+  HRESULT EndPass() override {
+    const HRESULT hr = Step(Call::EffectEndPass, "Effect.EndPass", m_inPass);
+    if (hr == S_OK) m_inPass = false;
+    return hr;
+  }
+  HRESULT End() override {
+    const HRESULT hr = Step(Call::EffectEnd, "Effect.End", m_begun && !m_inPass);
+    if (hr == S_OK) m_begun = false;
+    return hr;
+  }
+
+ private:
+  ~FakeEffect() override { m_gpu->EffectGone(); }
+  // The injected failure, else D3DERR_INVALIDCALL for a call out of order.
+  HRESULT Step(Call call, std::string line, bool valid) {
+    const HRESULT hr = m_gpu->Enter(call, std::move(line));
+    return FAILED(hr) ? hr : valid ? S_OK : D3DERR_INVALIDCALL;
+  }
+  std::shared_ptr<FakeGpu> m_gpu;
+  bool m_begun = false;
+  bool m_inPass = false;
+};
+
 class FakeDevice final : public RefCounted<IDirect3DDevice9> {
  public:
   FakeDevice(std::shared_ptr<FakeGpu> gpu, const D3DPRESENT_PARAMETERS& params)
@@ -143,6 +188,35 @@ class FakeDevice final : public RefCounted<IDirect3DDevice9> {
     return S_OK;
   }
 
+  HRESULT CreateEffect(const std::string& /*source*/, DWORD flags, ID3DXEffect** effect,
+                       std::string* messages) override {
+    if (!effect) return D3DERR_INVALIDCALL;
+    *effect = nullptr;
+    const HRESULT hr = m_gpu->Enter(Call::CreateEffect, "CreateEffect flags=" + Hex(flags));
+    if (FAILED(hr)) {
+      if (messages) *messages = m_gpu->effectMessages;
+      return hr;
+    }
+    *effect = new FakeEffect(m_gpu);
+    return S_OK;
+  }
+  HRESULT SetTexture(DWORD stage, IDirect3DTexture9* texture) override {
+    FakeTexture* fake = FakeTexture::From(texture);
+    const HRESULT hr = m_gpu->Enter(Call::SetTexture, "SetTexture stage=" + std::to_string(stage) + " tex#" +
+                                                         std::to_string(fake ? fake->Id() : 0));
+    if (FAILED(hr)) return hr;
+    if (stage != 0 || (texture && !fake)) return D3DERR_INVALIDCALL;
+    m_stageTexture = RefPtr<IDirect3DTexture9>::Share(texture);
+    return S_OK;
+  }
+  HRESULT DrawPrimitiveUP(D3DPRIMITIVETYPE type, UINT primitiveCount, const void* vertices, UINT stride) override {
+    const HRESULT hr = m_gpu->Enter(Call::DrawPrimitiveUP, "DrawPrimitiveUP type=" + std::to_string(type) +
+                                                              " count=" + std::to_string(primitiveCount) +
+                                                              " stride=" + std::to_string(stride));
+    if (FAILED(hr)) return hr;
+    return vertices && stride >= sizeof(D3DEFFECTVERTEX) ? S_OK : D3DERR_INVALIDCALL;
+  }
+
   void SpriteMade() { ++m_sprites; }
   void SpriteGone() { --m_sprites; }
 
@@ -152,6 +226,7 @@ class FakeDevice final : public RefCounted<IDirect3DDevice9> {
   D3DPRESENT_PARAMETERS m_params;
   bool m_inScene = false;
   int m_sprites = 0;
+  RefPtr<IDirect3DTexture9> m_stageTexture;
 };
 
 FakeSprite::FakeSprite(std::shared_ptr<FakeGpu> gpu, RefPtr<FakeDevice> device)

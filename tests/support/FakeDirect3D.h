@@ -14,6 +14,7 @@
 //
 // Everything here is safe to use from several threads.
 
+#include <atomic>
 #include <deque>
 #include <map>
 #include <memory>
@@ -49,6 +50,15 @@ enum class Call {
   SpriteSetTransform,
   SpriteDraw,
   FontDrawText,
+  CreateEffect,
+  SetTexture,
+  DrawPrimitiveUP,
+  EffectSetTechnique,
+  EffectSetFloat,
+  EffectBegin,
+  EffectBeginPass,
+  EffectEndPass,
+  EffectEnd,
 };
 
 struct SpriteDrawRecord {
@@ -78,6 +88,10 @@ class FakeGpu {
   // line this high (DT_CALCRECT and the height DrawText returns).
   int charWidth = 8;
   int lineHeight = 16;
+  // Effects: the passes Begin reports, and the compiler's messages handed
+  // out with a CreateEffect failure injected by FailNext / FailAlways.
+  UINT effectPasses = 1;
+  std::string effectMessages = "effect.fx(3,1): error: syntax error";
 
   // The next `times` calls of `call` fail with `code` (they are recorded).
   // Calls queue: FailNext(c, A, 2) then FailNext(c, B) fails with A, A, B.
@@ -106,6 +120,10 @@ class FakeGpu {
   bool IsLost() const;
   void Recovered();
   int NextTextureId();
+  // Effects alive (made by CreateEffect, not yet released by every holder).
+  int LiveEffects() const { return m_liveEffects.load(); }
+  void EffectMade() { ++m_liveEffects; }
+  void EffectGone() { --m_liveEffects; }
 
  private:
   struct Faults {
@@ -123,6 +141,7 @@ class FakeGpu {
   std::vector<TextRecord> m_texts;
   bool m_lost = false;
   int m_textureIds = 0;
+  std::atomic<int> m_liveEffects{0};
 };
 
 class FakeDirect3D final : public RefCounted<IDirect3D9> {

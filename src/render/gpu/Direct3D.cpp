@@ -2,7 +2,14 @@
 
 #include <cwchar>
 
+#include "platform/MappedFile.h"
+
 namespace KarvelUI {
+
+namespace {
+// Effect sources are a few kilobytes; anything this large is not one.
+constexpr std::size_t kMaxEffectFileBytes = 1u << 20;
+}  // namespace
 
 HRESULT D3DXCreateSprite(IDirect3DDevice9* device, ID3DXSprite** sprite) {
   if (!device || !sprite) return D3DERR_INVALIDCALL;
@@ -25,6 +32,21 @@ HRESULT D3DXCreateFontW(IDirect3DDevice9* device, int height, UINT width, UINT w
   desc.PitchAndFamily = static_cast<BYTE>(pitchAndFamily);
   if (faceName) std::wcsncpy(desc.FaceName, faceName, LF_FACESIZE - 1);
   return device->CreateFont(desc, font);
+}
+
+HRESULT D3DXCreateEffectFromFileW(IDirect3DDevice9* device, const wchar_t* path, DWORD flags, ID3DXEffect** effect,
+                                  std::string* messages) {
+  if (!device || !path || !effect) return D3DERR_INVALIDCALL;
+  *effect = nullptr;
+  if (messages) messages->clear();
+  const CString name(path);
+  const MappedFile file(name);
+  if (!file.IsOpen() || file.Size() > kMaxEffectFileBytes) {
+    if (messages) *messages = name.ToUtf8() + (file.IsOpen() ? ": too large for an effect" : ": cannot be read");
+    return E_FAIL;
+  }
+  const std::string source(reinterpret_cast<const char*>(file.Data()), file.Size());
+  return device->CreateEffect(source, flags, effect, messages);
 }
 
 }  // namespace KarvelUI

@@ -3,10 +3,12 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstring>
 #include <new>
 
 #include "platform/SystemInfo.h"
 #include "render/gpu/SpriteFont.h"
+#include "render/gpu/gl/GLEffect.h"
 
 namespace KarvelUI::gl {
 namespace {
@@ -170,7 +172,7 @@ HRESULT GLDevice::MakeBackBuffer(D3DPRESENT_PARAMETERS& params) {
 
 void GLDevice::ReleaseGLObjects(bool contextAlive) {
   for (GLName* name : {&m_program.program, &m_vertexArray, &m_vertexBuffer, &m_indexBuffer, &m_backBuffer,
-                       &m_backBufferColor}) {
+                       &m_backBufferColor, &m_effectArray, &m_effectBuffer}) {
     if (contextAlive) {
       name->Reset();
     } else {
@@ -398,6 +400,74 @@ HRESULT GLDevice::DrawSprites(const std::vector<SpriteVertex>& vertices, const s
     glDrawElements(GL_TRIANGLES, static_cast<GLsizei>(run.quadCount * 6), GL_UNSIGNED_INT,
                    reinterpret_cast<const void*>(size_t{run.firstQuad} * 6 * sizeof(GLuint)));
   }
+  return S_OK;
+}
+
+// --- effects -----------------------------------------------------------------------
+
+HRESULT GLDevice::CreateEffect(const std::string& source, DWORD /*flags*/, ID3DXEffect** effect,
+                               std::string* messages) {
+  if (!effect) return D3DERR_INVALIDCALL;
+  *effect = nullptr;
+  if (m_lost) return D3DERR_DEVICELOST;
+  return GLEffect::Create(RefPtr<GLDevice>::Share(this), source, effect, messages);
+}
+
+HRESULT GLDevice::SetTexture(DWORD stage, IDirect3DTexture9* texture) {
+  if (stage != 0) return D3DERR_INVALIDCALL;
+  auto* glTexture = dynamic_cast<GLTexture*>(texture);
+  if (texture && (!glTexture || !glTexture->BelongsTo(m_shared.get()))) return D3DERR_INVALIDCALL;
+  m_stageTexture = RefPtr<GLTexture>::Share(glTexture);
+  return S_OK;
+}
+
+void GLDevice::EffectPassClosed(GLEffect* effect) {
+  if (m_effectPass == effect) m_effectPass = nullptr;
+}
+
+bool GLDevice::MakeEffectObjects() {
+  if (m_effectArray) return true;
+  m_effectArray = GLName::Make(GLKind::VertexArray);
+  m_effectBuffer = GLName::Make(GLKind::Buffer);
+  if (!m_effectArray || !m_effectBuffer) return false;
+  glBindVertexArray(m_effectArray.Get());
+  glBindBuffer(GL_ARRAY_BUFFER, m_effectBuffer.Get());
+  constexpr GLsizei stride = sizeof(D3DEFFECTVERTEX);
+  glEnableVertexAttribArray(0);
+  glVertexAttribPointer(0, 3, GL_FLOAT, GL_FALSE, stride, reinterpret_cast<const void*>(offsetof(D3DEFFECTVERTEX, x)));
+  glEnableVertexAttribArray(1);
+  glVertexAttribPointer(1, 2, GL_FLOAT, GL_FALSE, stride, reinterpret_cast<const void*>(offsetof(D3DEFFECTVERTEX, u)));
+  return true;
+}
+
+HRESULT GLDevice::DrawPrimitiveUP(D3DPRIMITIVETYPE type, UINT primitiveCount, const void* vertices, UINT stride) {
+  if (type != D3DPT_TRIANGLESTRIP || primitiveCount == 0 || !vertices || stride < sizeof(D3DEFFECTVERTEX) ||
+      !m_effectPass)
+    return D3DERR_INVALIDCALL;
+  if (m_lost) return S_OK;  // a lost device draws nothing until it is reset
+  if (!MakeCurrent()) return E_FAIL;
+  FlushOpenSprites();
+  if (!MakeEffectObjects() || !m_effectPass->Use()) return E_FAIL;
+
+  // GL puts pixel (0, 0)'s centre half a pixel right of and below (-1, 1).
+  const float shiftX = 1.0f / static_cast<float>(m_params.BackBufferWidth);
+  const float shiftY = 1.0f / static_cast<float>(m_params.BackBufferHeight);
+  std::vector<D3DEFFECTVERTEX> strip(primitiveCount + 2);
+  const auto* bytes = static_cast<const BYTE*>(vertices);
+  for (size_t i = 0; i < strip.size(); ++i) {
+    std::memcpy(&strip[i], bytes + i * stride, sizeof(D3DEFFECTVERTEX));
+    strip[i].x += shiftX;
+    strip[i].y -= shiftY;
+  }
+  BindBackBuffer();
+  glDisable(GL_BLEND);
+  glBindVertexArray(m_effectArray.Get());
+  glBindBuffer(GL_ARRAY_BUFFER, m_effectBuffer.Get());
+  glBufferData(GL_ARRAY_BUFFER, static_cast<GLsizeiptr>(strip.size() * sizeof(D3DEFFECTVERTEX)), strip.data(),
+               GL_STREAM_DRAW);
+  glActiveTexture(GL_TEXTURE0);
+  if (!m_stageTexture || !m_stageTexture->Prepare()) glBindTexture(GL_TEXTURE_2D, 0);  // samples read black
+  glDrawArrays(GL_TRIANGLE_STRIP, 0, static_cast<GLsizei>(strip.size()));
   return S_OK;
 }
 

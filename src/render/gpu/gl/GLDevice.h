@@ -28,6 +28,8 @@
 
 namespace KarvelUI::gl {
 
+class GLEffect;
+
 class GLDirect3D final : public RefCounted<IDirect3D9> {
  public:
   HRESULT CreateDevice(UINT adapter, D3DDEVTYPE type, HWND focusWindow, DWORD behaviorFlags,
@@ -51,6 +53,9 @@ class GLDevice final : public RefCounted<IDirect3DDevice9> {
   HRESULT CreateSprite(ID3DXSprite** sprite) override;
   HRESULT CreateFont(const D3DXFONT_DESCW& desc, ID3DXFont** font) override;
   HRESULT ReadBackBuffer(std::vector<DWORD>& pixels, CSize& size) override;
+  HRESULT CreateEffect(const std::string& source, DWORD flags, ID3DXEffect** effect, std::string* messages) override;
+  HRESULT SetTexture(DWORD stage, IDirect3DTexture9* texture) override;
+  HRESULT DrawPrimitiveUP(D3DPRIMITIVETYPE type, UINT primitiveCount, const void* vertices, UINT stride) override;
 
   // For the sprite batch.
   ContextShared* Shared() const { return m_shared.get(); }
@@ -60,6 +65,13 @@ class GLDevice final : public RefCounted<IDirect3DDevice9> {
   void SpriteClosed(GLSprite* sprite);
   HRESULT DrawSprites(const std::vector<SpriteVertex>& vertices, const std::vector<SpriteRun>& runs,
                       bool blend);
+
+  // For effects: the context their programs belong to, and the pass whose
+  // program draws the next DrawPrimitiveUP.
+  std::uint64_t Generation() const { return m_shared->Generation(); }
+  bool MakeContextCurrent() { return MakeCurrent(); }
+  void EffectPassOpened(GLEffect* effect) { m_effectPass = effect; }
+  void EffectPassClosed(GLEffect* effect);
 
   // Behaves as if the driver had reported a GPU reset: Present answers
   // D3DERR_DEVICELOST until Reset has made a new context. For tests of the
@@ -73,6 +85,7 @@ class GLDevice final : public RefCounted<IDirect3DDevice9> {
   HRESULT MakeContext(const D3DPRESENT_PARAMETERS& params);
   HRESULT MakeBackBuffer(D3DPRESENT_PARAMETERS& params);
   bool MakeSpriteObjects();
+  bool MakeEffectObjects();
   void ReleaseGLObjects(bool contextAlive);
   bool MakeCurrent();
   void FlushOpenSprites();
@@ -91,6 +104,9 @@ class GLDevice final : public RefCounted<IDirect3DDevice9> {
   GLName m_vertexArray, m_vertexBuffer, m_indexBuffer;
   size_t m_indexedQuads = 0;
   GLName m_backBuffer, m_backBufferColor;
+  GLName m_effectArray, m_effectBuffer;  // made on the first effect draw
+  RefPtr<GLTexture> m_stageTexture;      // what effects sample
+  GLEffect* m_effectPass = nullptr;      // the effect whose pass is open
 
   bool m_inScene = false;
   bool m_lost = false;
