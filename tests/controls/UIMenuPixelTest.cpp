@@ -1,7 +1,5 @@
-// A context menu built as the viewer builds one, popped over the sample
-// viewer's main form with each committed skin and painted by the OpenGL
-// backend off screen: the skin's frame, a checked entry's mark and the
-// separator line land where the menu puts them.
+// A context menu popped over the sample viewer's main form in each committed
+// skin, painted by the OpenGL backend off screen and read back.
 
 #include <gmock/gmock.h>
 
@@ -17,7 +15,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// Colours of each skin's Menu.png (drawn by apps/skingen).
+// Colours of each skin's Menu.png (assets/README.md).
 struct MenuSkin {
   const char* name;
   DWORD outline, fill, mark, separator;
@@ -25,6 +23,8 @@ struct MenuSkin {
 constexpr MenuSkin kSkins[] = {{"Default", 0xFF15171A, 0xFF2F3238, 0xFFE8A33D, 0xFF474C55},
                                {"Ocean", 0xFF06141F, 0xFF123A5C, 0xFF3FC1E8, 0xFF2A6A98}};
 void PrintTo(const MenuSkin& skin, std::ostream* out) { *out << skin.name; }
+
+void OnCommand(IMenu*) {}
 
 class MenuPixelTest : public SkinManagerTest, public testing::WithParamInterface<MenuSkin> {
  protected:
@@ -35,8 +35,7 @@ class MenuPixelTest : public SkinManagerTest, public testing::WithParamInterface
     Manager()->SetCurrentSkin(GetParam().name);
     form = new CUIForm();
     form->SetObjectID(L"MainForm");
-    ASSERT_TRUE(form->Create(WS_POPUP | WS_VISIBLE, L"KarvelMenuPixelForm", L"Viewer", nullptr, 0,
-                             CRect(0, 0, 200, 200)));
+    ASSERT_TRUE(form->Create(WS_POPUP | WS_VISIBLE, L"KarvelMenuPixelForm", L"Viewer", nullptr, 0, CRect()));
   }
   void TearDown() override {
     if (form) form->Release();
@@ -45,19 +44,15 @@ class MenuPixelTest : public SkinManagerTest, public testing::WithParamInterface
     SkinManagerTest::TearDown();
   }
 
- public:
-  void OnCommand(IMenu*) {}
-
- protected:
   CUIForm* form = nullptr;
 };
 
 TEST_P(MenuPixelTest, TheSkinsFrameCheckMarkAndSeparatorAreDrawn) {
   // How a host builds and pops a context menu with a sub-menu.
-  const MenuHandler command(this, &MenuPixelTest::OnCommand);
+  const MenuHandler command(&OnCommand);
   IMenu* menu = new IMenu();
-  menu->AddMenu(L"Fit", 1, 0, 1, command, CString());    // checked
-  menu->AddMenu(L"", 0, 0, 0);                           // separator
+  menu->AddMenu(L"Fit", 1, 0, 1, command, CString());  // checked
+  menu->AddMenu(L"", 0, 0, 0);                         // separator
   menu->AddMenu(L"Actual size", 2, 0, 0, command, CString());
   IMenu* skins = menu->AddMenu(L"Skins", 3, 0, 0);
   skins->AddMenu(L"Graphite", 31, 0, 1, command, CString());
@@ -69,19 +64,18 @@ TEST_P(MenuPixelTest, TheSkinsFrameCheckMarkAndSeparatorAreDrawn) {
   popup->OnPaint();
   const Frame frame = ReadBack(popup->GetRenderDevice()->GetD3DDevice());
   const CRect bounds = popup->GetBounds();
-  ASSERT_EQ(frame.size, bounds.Size());
   const MenuSkin& skin = GetParam();
-
-  // The frame's outline, and its fill showing through the entries.
-  EXPECT_EQ(frame.At(0, bounds.Height() / 2), skin.outline);
-  const MenuItem* actual = popup->GetItem(2);
-  EXPECT_EQ(frame.At(bounds.Width() - 12, actual->GetPos() + actual->GetHeight() / 2), skin.fill);
-  // The 16-pixel mark sits 3 + 8 pixels in, squeezed to 13 wide; its box
-  // is plain in its lower right, where the tick does not reach.
   const MenuItem* fit = popup->GetItem(0);
+  const MenuItem* separator = popup->GetItem(1);
+  const MenuItem* actual = popup->GetItem(2);
+
+  // The frame's outline, and its fill showing through the (transparent) entries.
+  EXPECT_EQ(frame.At(0, bounds.Height() / 2), skin.outline);
+  EXPECT_EQ(frame.At(bounds.Width() - 12, actual->GetPos() + actual->GetHeight() / 2), skin.fill);
+  // The 16-pixel mark starts 3 + 8 pixels in, squeezed to 13 wide; its box
+  // is plain in its lower right, where the tick does not reach.
   EXPECT_EQ(frame.At(21, fit->GetPos() + (fit->GetHeight() - 16) / 2 + 12), skin.mark);
   // The separator's line is the middle row of its 7-pixel strip.
-  const MenuItem* separator = popup->GetItem(1);
   EXPECT_EQ(frame.At(bounds.Width() / 2, separator->GetPos() + 3), skin.separator);
 }
 
