@@ -17,12 +17,15 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-// A 300 x 200 form; menu entries 20 pixels high, separators 5, indent 2.
+// A 300 x 200 form with a probe control; menu entries 20 pixels high,
+// separators 5, indent 2.
+constexpr const char* kMenuBuild = R"(<TestForm css="Main" ass="Main"><One type="ProbeControl" ass="One"/></TestForm>)";
 constexpr const char* kMenuSkin = R"(<css>
   <CUIForm><Main PositionRect="50, 40, 300, 200" BorderMargin="0, 0, 0, 0"/></CUIForm>
   <CUIMenu><public Indent="2" TextOffset="6, 30" IconSize="16">
     <NormalImage File="m.png" Rect="0, 0, 8, 20"/><SeperatorImage File="m.png" Rect="0, 20, 8, 25"/>
-  </public></CUIMenu></css>)";
+  </public></CUIMenu></css>
+  <ass><ProbeControl><One Bounds="10, 10, 80, 40" AnchorStyle="topleft"/></ProbeControl></ass>)";
 
 // Keeps the entry ids its menus report on hover, as a host would.
 class HostForm : public CUIForm {
@@ -37,7 +40,10 @@ class HostForm : public CUIForm {
 class WatchedMenu : public IMenu {
  public:
   explicit WatchedMenu(bool& freed) : m_freed(freed) { m_freed = false; }
-  ~WatchedMenu() override { m_freed = true; }
+  ~WatchedMenu() override {
+    m_freed = true;
+    Journal().push_back("tree freed");
+  }
 
  private:
   bool& m_freed;
@@ -47,7 +53,7 @@ class MenuTest : public FormTest {
  public:
   void SetUp() override {
     FormTest::SetUp();
-    LoadSkin(R"(<TestForm css="Main" ass="Main"/>)", kMenuSkin);
+    LoadSkin(kMenuBuild, kMenuSkin);
     form = new HostForm();
     form->SetObjectID(L"TestForm");
     ASSERT_TRUE(form->Create(WS_POPUP | WS_VISIBLE, L"KarvelMenuHost", L"Host", nullptr, 0, CRect(0, 0, 9, 9)));
@@ -258,7 +264,13 @@ TEST_P(MenuDismissalTest, ClosesEveryWindowAndFreesTheTreeWithoutACallback) {
   EXPECT_TRUE(!form || !form->GetActiveMenu());
 }
 
-void ClickInTheForm(MenuDismissalTest& t, CUIMenu*) { t.form->SendMessage(WM_LBUTTONDOWN); }
+// The click goes on to the control under it once the menu is gone.
+void ClickInTheForm(MenuDismissalTest& t, CUIMenu*) {
+  Journal().clear();
+  t.form->SendMessage(WM_LBUTTONDOWN, 0, MAKELPARAM(20, 20));
+  std::erase_if(Journal(), [](const std::string& line) { return line.find(" draw ") != std::string::npos; });
+  EXPECT_THAT(Journal(), ElementsAre("tree freed", "One mouse 513 20,20"));
+}
 void Escape(MenuDismissalTest&, CUIMenu* menu) { MenuTest::Key(menu->GetSafeHwnd(), SDL_SCANCODE_ESCAPE); }
 void AnotherWindowActivated(MenuDismissalTest&, CUIMenu*) {
   CWnd other;
