@@ -1,9 +1,9 @@
 // skingen <assets folder>
 //
-// Draws every picture of the sample assets: each skin's form border under
-// Theme/<skin>/images/ and the demo photos under Photos/. The XML files and
-// the string table beside them are written by hand; the border pieces'
-// rectangles for a skin's KarvelView.xml are printed on stdout.
+// Draws every picture of the sample assets: each skin's form border and
+// menu pictures under Theme/<skin>/images/ and the demo photos under Photos/. The XML files and
+// the string table beside them are written by hand; the border and menu
+// pieces' rectangles for a skin's KarvelView.xml are printed on stdout.
 // Same program, same bytes: nothing depends on time or on the machine.
 
 #include <filesystem>
@@ -13,6 +13,7 @@
 
 #include "FormBorder.h"
 #include "ImageFiles.h"
+#include "MenuPicture.h"
 #include "Photos.h"
 
 namespace fs = std::filesystem;
@@ -31,6 +32,13 @@ constexpr BorderStyle kOcean{40, 12, 24, 8, 4,
                              {0xFF06141F, 0xFF2470A6, 0xFF17507C, 0xFF4A92C4, 0xFF3FC1E8, 0xFF1A4E75,
                               0xFF0D2C44, 0xFF0A2236, 0xFF123A5C, 0xFF7FC4EE}};
 
+// Graphite's menu: the form's greys, the amber accent on check marks.
+constexpr MenuColours kGraphiteMenu{0xFF15171A, 0xFF2F3238, 0xFF4A505A, 0xFFE8A33D, 0xFFF2B65A,
+                                    0xFF1C1E22, 0xFF5A5E66, 0xFF474C55, 0xFFC8CCD2, 0xFFFFFFFF};
+// Ocean's menu: deep blue with cyan marks.
+constexpr MenuColours kOceanMenu{0xFF06141F, 0xFF123A5C, 0xFF2470A6, 0xFF3FC1E8, 0xFF7FD8F2,
+                                 0xFF06141F, 0xFF3A5A74, 0xFF2A6A98, 0xFFC8ECFA, 0xFFFFFFFF};
+
 bool MakeFolder(const fs::path& folder) {
   std::error_code error;
   fs::create_directories(folder, error);
@@ -43,6 +51,14 @@ bool WriteSkin(const fs::path& assets, const char* skin, const BorderStyle& styl
   if (!MakeFolder(images) || !SavePng(DrawFormBorder(style), images / "FormBorder.png")) return false;
   std::cout << "Theme/" << skin << "/KarvelView.xml, css CUIForm Main:\n";
   WriteImageElement(std::cout, style, "FormBorder.png");
+  return true;
+}
+
+bool WriteMenu(const fs::path& assets, const char* skin, const MenuColours& colours) {
+  const fs::path images = assets / "Theme" / skin / "images";
+  if (!MakeFolder(images) || !SavePng(DrawMenuPicture(colours), images / "Menu.png")) return false;
+  std::cout << "Theme/" << skin << "/KarvelView.xml, css CUIMenu public:\n";
+  WriteMenuImageElements(std::cout, "Menu.png");
   return true;
 }
 
@@ -75,6 +91,8 @@ int main(int argc, char** argv) {
   }
   const fs::path assets = argv[1];
   const bool written =
-      WriteSkin(assets, "Default", kGraphite) && WriteSkin(assets, "Ocean", kOcean) && WritePhotos(assets / "Photos");
+      WriteSkin(assets, "Default", kGraphite) && WriteSkin(assets, "Ocean", kOcean) &&
+      WriteMenu(assets, "Default", kGraphiteMenu) && WriteMenu(assets, "Ocean", kOceanMenu) &&
+      WritePhotos(assets / "Photos");
   return written ? 0 : 1;
 }

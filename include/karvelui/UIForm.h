@@ -28,6 +28,7 @@ namespace KarvelUI {
 
 class AnimationController;
 class CToolTipCtrl;
+class CUIMenu;
 class DXCore;
 class _FormConfig;
 
@@ -40,16 +41,6 @@ inline constexpr UINT UI_WM_MENUHOVER = 4325;
 using UITimerHandler = FastDelegate1<unsigned int, void>;
 // Paints a whole frame on the form's render device in place of the tree.
 using UIPaintHandler = FastDelegate1<DXCore*, void>;
-
-// A popup menu window as its owner form sees it: the form dismisses its
-// active menu on UI_WM_RELEASEMENU and when the form itself is clicked.
-class KARVELUI_API CUIPopupMenu : public CWnd {
- public:
-  // Destroys this menu object and its window.
-  virtual void Release() = 0;
-  // Closes the sub-menus opened from this one.
-  virtual void ReleaseAll() = 0;
-};
 
 // What the form asks of its "FormCaption" child, when that child offers it:
 // whether a client point is on the caption's drag area, and to follow the
@@ -134,8 +125,8 @@ class KARVELUI_API CUIForm : public CWnd, public CUIControl {
   BOOL RegisterTimerHandler(UINT id, int intervalMs, UITimerHandler handler);
   void UnRegisterTimerHandler(UINT id);
 
-  void SetActiveMenu(CUIPopupMenu* menu) { m_pActiveMenu = menu; }
-  CUIPopupMenu* GetActiveMenu() const { return m_pActiveMenu; }
+  void SetActiveMenu(CUIMenu* menu) { m_pActiveMenu = menu; }
+  CUIMenu* GetActiveMenu() const { return m_pActiveMenu; }
   DXCore* GetRenderDevice() const { return m_pDXCore.get(); }
   // While set, a paint hands the render device (with its texture lock held)
   // to `painter` instead of drawing the tree: a full-window effect playing
@@ -198,7 +189,7 @@ class KARVELUI_API CUIForm : public CWnd, public CUIControl {
   BOOL m_bModal = FALSE;
   int m_nModalResult = -1;
   std::unique_ptr<AnimationController, AnimationReleaser> m_pAnimationController;
-  CUIPopupMenu* m_pActiveMenu = nullptr;
+  CUIMenu* m_pActiveMenu = nullptr;
   BOOL m_bCloseOnEscape = TRUE;
   CWnd* m_pParentWnd = nullptr;
   CString m_strClassName;

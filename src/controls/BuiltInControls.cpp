@@ -5,6 +5,7 @@
 
 #include <karvelui/FormConfig.h>
 #include <karvelui/UIForm.h>
+#include <karvelui/UIMenu.h>
 #include <karvelui/UIManager.h>
 #include <karvelui/SkinManager.h>
 
@@ -21,6 +22,7 @@ CUIControl* CreateBuiltInControl(const CString& type) {
 void RegisterBuiltIns(CUISkinManager& manager) {
   manager.RegisterObjectCreateor(&CreateBuiltInControl);
   manager.RegisterSkinCreateor(L"CUIForm", new _FormConfig());
+  manager.RegisterSkinCreateor(L"CUIMenu", new _MenuConfig());
 }
 
 struct BuiltInInstaller {

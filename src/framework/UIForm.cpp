@@ -289,14 +289,6 @@ void CUIForm::SetIcon(UINT, BOOL) {
   // platform carries none: there is never an icon to set.
 }
 
-void CUIForm::ReleaseActiveMenu(BOOL wholeChain) {
-  CUIPopupMenu* menu = m_pActiveMenu;
-  if (!menu) return;
-  m_pActiveMenu = nullptr;
-  if (wholeChain) menu->ReleaseAll();
-  menu->Release();
-}
-
 // --- timers -------------------------------------------------------------------------------------------
 
 BOOL CUIForm::RegisterTimerHandler(UINT id, int intervalMs, UITimerHandler handler) {

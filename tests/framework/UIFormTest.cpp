@@ -128,29 +128,6 @@ TEST_F(FormTest, ClicksOnDisabledControlsOrEmptySpaceReachNoControl) {
   EXPECT_THAT(Journal(), IsEmpty());
 }
 
-class RecordingMenu : public CUIPopupMenu {
- public:
-  void Release() override { Journal().push_back("menu Release"); }
-  void ReleaseAll() override { Journal().push_back("menu ReleaseAll"); }
-};
-
-TEST_F(FormTest, AClickClosesTheActiveMenuBeforeItIsRouted) {
-  LoadTestSkin();
-  CUIForm* form = MakeForm();
-  RecordingMenu menu;
-  form->SetActiveMenu(&menu);
-  Journal().clear();
-  Send(form, WM_LBUTTONDOWN, 20, 20);
-  EXPECT_THAT(Journal(), ElementsAre("menu ReleaseAll", "menu Release", "One mouse 513 20,20"));
-  EXPECT_EQ(form->GetActiveMenu(), nullptr);
-
-  form->SetActiveMenu(&menu);
-  Journal().clear();
-  EXPECT_EQ(form->SendMessage(UI_WM_RELEASEMENU), 1);
-  EXPECT_THAT(Journal(), ElementsAre("menu Release"));
-  EXPECT_EQ(form->SendMessage(UI_WM_RELEASEMENU), 0);  // none left: the default answer
-}
-
 // --- keyboard and tab order ---------------------------------------------------------------------
 
 TEST_F(FormTest, TabCyclesThroughTheOrderAndShiftTabAlwaysLandsOnTheFirst) {
