@@ -131,6 +131,27 @@ TEST_F(FormTest, ClicksOnDisabledControlsOrEmptySpaceReachNoControl) {
   EXPECT_THAT(Journal(), IsEmpty());
 }
 
+TEST_F(FormTest, TheWheelArrivesInClientPointsAndTheHorizontalWheelIsNotRouted) {
+  LoadTestSkin();
+  CUIForm* form = MakeForm();
+  Journal().clear();
+  Send(form, WM_MOUSEWHEEL, 50 + 20, 40 + 20);  // a screen point over One
+  Send(form, WM_MOUSEHWHEEL, 20, 20);
+  EXPECT_THAT(Journal(), ElementsAre("One mouse WM_MOUSEWHEEL 20,20"));
+}
+
+TEST_F(FormTest, ADestroyMessageTakesTheTooltipWindowDown) {
+  LoadTestSkin();
+  CUIForm* form = MakeForm();
+  ASSERT_NE(form->GetToolTipCtrl()->GetSafeHwnd(), nullptr);
+  MSG destroy{};
+  destroy.hwnd = form->GetSafeHwnd();
+  destroy.message = WM_DESTROY;
+  form->PreTranslateMessage(&destroy);
+  EXPECT_EQ(form->GetToolTipCtrl()->GetSafeHwnd(), nullptr);
+  EXPECT_NE(form->GetSafeHwnd(), nullptr);  // the form itself goes its own way
+}
+
 class RecordingMenu : public CUIPopupMenu {
  public:
   void Release() override { Journal().push_back("menu Release"); }
