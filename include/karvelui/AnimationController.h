@@ -1,20 +1,21 @@
 #pragma once
 
 // AnimationController: the running boards of one form, driven by window
-// timer 14401. A tick kills the timer, advances every running board, drops
-// the stopped ones and posts a paint marked 14401; once the form has painted
-// it calls AfterRefresh, which re-arms the timer for the rest of the 20 ms
-// slot. Frames therefore never pile up faster than the form draws them.
+// timer ANIMATION_TIMER_ID (14401). A tick kills the timer, advances every
+// running board, drops the stopped ones and posts a paint marked with that
+// id; once the form has painted it calls AfterRefresh, which re-arms the
+// timer for the rest of the 20 ms slot. Frames therefore never pile up
+// faster than the form draws them.
 //
 //   idle (no timer) --Begin(board, 1)--> armed --WM_TIMER--> tick (paint posted)
 //   tick --AfterRefresh, boards left--> armed;  --no boards left--> idle
 //
 // A form wires it up so:
-//   constructor:          m_pAnimationController = new AnimationController(this);
-//   window created:       m_pAnimationController->SetWnd(m_hWnd);
-//   WM_TIMER 14401:       m_pAnimationController->OnTimer(this);
-//   painted, flag 14401:  m_pAnimationController->AfterRefresh();
-//   destructor:           m_pAnimationController->Release();
+//   constructor:                 m_pAnimationController = new AnimationController(this);
+//   window created:              m_pAnimationController->SetWnd(m_hWnd);
+//   WM_TIMER ANIMATION_TIMER_ID: m_pAnimationController->OnTimer(this);
+//   painted, flag of that id:    m_pAnimationController->AfterRefresh();
+//   destructor:                  m_pAnimationController->Release();
 //
 // Threads: OnTimer and AfterRefresh run on the window's thread; Begin and
 // Stop may come from any thread (the thumbnail loader starts effects). A

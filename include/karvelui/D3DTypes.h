@@ -1,9 +1,8 @@
 #pragma once
 
-// The records, formats and flags of the GPU device layer. They keep the
-// names and numbers of the device interface the rendering code was designed
-// against, so that present parameters, caps and trace lines read the same on
-// every backend.
+// The records, formats and flags of the GPU device layer. Every backend
+// uses these names and numbers, so present parameters, caps and the numbers
+// the trace lines print read the same whichever backend runs.
 
 #include <karvelui/Geometry.h>
 #include <karvelui/Types.h>

@@ -74,6 +74,8 @@ class KARVELUI_API DXCore {
 
   // One frame. EndPaint returns D3DERR_DEVICELOST (untraced) when the device
   // was lost and has been reset: the caller paints again.
+  // E_FAIL, quietly, while a failed reset or sprite creation left no sprite:
+  // the next successful ResetD3DSize (a size change) makes painting resume.
   HRESULT BeginPaint();
   HRESULT EndPaint();
   // Resizes the back buffer, recovering a lost device; 1 without a device.

@@ -1,11 +1,11 @@
 #pragma once
 
 // The GPU device layer: the operations the render device and the resource
-// cache call, in the shape of the device interface they were designed
-// against, so that creation and reset fallbacks, lost devices, managed
-// textures and the sprite batch map one for one. Two implementations exist:
-// the OpenGL 3.3 backend (Direct3DCreate9) and a fault-injecting double for
-// tests (render/gpu/fake/FakeDirect3D.h).
+// cache call. Each step that can fail on a real driver (creation, reset, a
+// lost device, a texture lock, a sprite batch) is a call of its own, so the
+// render device's fallbacks can be driven one by one. Two implementations
+// exist: the OpenGL 3.3 backend (Direct3DCreate9) and a fault-injecting
+// double for tests (tests/support/FakeDirect3D.h, not in the shipped library).
 //
 // Results are HRESULTs: S_OK, or E_FAIL / D3DERR_* (negative). Nothing throws.
 //

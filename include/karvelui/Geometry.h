@@ -23,7 +23,8 @@ struct CPoint {
   LONG y = 0;
   constexpr CPoint() = default;
   constexpr CPoint(LONG px, LONG py) : x(px), y(py) {}
-  // Unpacks a message lParam the way the design does: low and high 16 bits.
+  // Unpacks a message lParam: x from the low, y from the high 16 bits, each
+  // sign-extended, so points left of or above a window come out negative.
   static constexpr CPoint FromLParam(LPARAM lp) { return CPoint(GET_X_LPARAM(lp), GET_Y_LPARAM(lp)); }
   constexpr void Offset(LONG dx, LONG dy) { x += dx, y += dy; }
   constexpr void Offset(const CPoint& d) { Offset(d.x, d.y); }

@@ -31,7 +31,8 @@ class KARVELUI_API Region {
   std::vector<CRect> m_rects;
 };
 
-// The design hands regions around as handles; here the handle owns it.
+// Window shapes pass between forms and windows as HRGN values; the handle
+// owns its region, so a shape is never leaked or freed twice.
 using HRGN = std::unique_ptr<Region>;
 
 }  // namespace KarvelUI

@@ -10,7 +10,9 @@
 //   Theme\SkinDatas.xml           installed skins (SkinsRoot, Name, Text)
 //   Theme\<skin>\KarvelView.xml   a skin (UIRoot: css and ass entries)
 //   Theme\<skin>\images\          its pictures
-//   PreSkin.xml                   the skin chosen last (PreSkin Name=...)
+//   PreSkin.xml                   the skin chosen last (PreSkin Name=...); in
+//                                 the application-data folder instead when
+//                                 this folder is not writable
 // Every lookup tries the current skin's file first and the "Default"
 // skin's second, so a skin only holds what differs from the default.
 //

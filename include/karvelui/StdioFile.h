@@ -1,8 +1,9 @@
 #pragma once
 
-// A buffered file on a library path, shaped like the platform file class the
-// design's text files build on: open flags with the design's values, byte
-// reads and writes, line reads, seeking. Text mode performs no line-end
+// A buffered file on a library path, the base of the library's text files
+// and of the trace log: open flags that callers combine as bits (their
+// values are part of the public interface), byte reads and writes, line
+// reads, seeking. Text mode performs no line-end
 // translation on this platform ("\r\n" written is "\r\n" in the file).
 // Failures are results, never exceptions.
 

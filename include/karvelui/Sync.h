@@ -1,8 +1,10 @@
 #pragma once
 
-// Synchronisation primitives with the design's semantics: a recursive
-// critical section (the same thread may enter it again) and a manual-reset
-// event (stays signalled until reset; every waiter wakes).
+// Synchronisation primitives of the library's threads: a recursive critical
+// section (the same thread may enter it again, since a lock holder may call
+// back into code that takes the same lock) and a manual-reset event (stays
+// signalled until reset and wakes every waiter, so a task's done event is
+// seen by everyone who waits for it).
 
 #include <condition_variable>
 #include <cstdint>

@@ -44,7 +44,8 @@ class KARVELUI_API ITrace {
     }
   }
   virtual bool TraceArgs(int level, int flush, const wchar_t* format, std::span<const FormatArg> args) = 0;
-  // Destroys the object.
+  // Ends the object's use. The process log (ITrace_imp::GetInstance) only
+  // closes its file: g_ITrace stays valid, and later lines still reach the file.
   virtual void Release() = 0;
   // Closes the file; the next Trace opens it again.
   virtual void Close() = 0;
@@ -58,7 +59,8 @@ class KARVELUI_API ITrace_imp : public ITrace {
   static constexpr DWORD kSizeLimit = 500000;
   static constexpr int kMessageCapacity = 1024;  // wide characters, terminator included
 
-  // The process's log, made (and opened) on first use; sets g_ITrace.
+  // The process's log, made (and opened) on first use; sets g_ITrace. After
+  // its Release() the same log is handed out and opened again.
   static ITrace_imp* GetInstance();
   // A log at the given file (library path), opened at once.
   explicit ITrace_imp(const CString& path);
@@ -85,6 +87,8 @@ class KARVELUI_API ITrace_imp : public ITrace {
 
  private:
   void OpenFile();
+  void CloseFile();
+  void Reopen();
   void TrimOversizedFile();
   void WriteLine(int level, const CString& message, const CString& line, int flush);
 
@@ -93,11 +97,13 @@ class KARVELUI_API ITrace_imp : public ITrace {
   DWORD m_nSizeLimit = kSizeLimit;
   CString m_strPath;
   int m_nLevel = 1;
+  bool m_bReleased = false;  // the process log after Release(): a file open per line
   mutable CriticalSection m_lock;
 };
 
-// Valid whenever library code can run: set by static initialisation of the
-// trace module (and again by the application object at load).
+// Valid whenever library code can run, shut-down included: set by static
+// initialisation of the trace module (and again by the application object
+// at load), never cleared.
 extern KARVELUI_API ITrace* g_ITrace;
 
 }  // namespace KarvelUI

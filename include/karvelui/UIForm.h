@@ -97,9 +97,9 @@ class KARVELUI_API CUIForm : public CWnd, public CUIControl {
   // --- input -----------------------------------------------------------------------------
   LRESULT OnMouseMsg(UINT message, UINT flags, const CPoint& point);
   LRESULT OnKeyMsg(UINT message, UINT wParam, UINT repeat, UINT keyFlags);
-  // Sends 675 to the control the cursor left and 673 to the one it entered.
+  // Sends WM_MOUSELEAVE to the control the cursor left and WM_MOUSEHOVER to the one it entered.
   void SetCursorMoveFocus(CUIControl* control);
-  // Sends 4024 to the control losing the keyboard focus and 4025 to the one gaining it.
+  // Sends UI_KEY_KILLFOCUS to the control losing the keyboard focus and UI_KEY_SETFOCUS to the one gaining it.
   void SetKeyFocus(CUIControl* control);
   CUIControl* GetCaptureControl() const { return m_pCaptureControl; }
   void SetCaptureControl(CUIControl* control) { m_pCaptureControl = control; }
@@ -143,7 +143,7 @@ class KARVELUI_API CUIForm : public CWnd, public CUIControl {
   // The root follows the window's client size.
   void CalculateBounds() override;
   virtual void OnMouseLeave(UINT flags, const CPoint& point);
-  // Draws the whole tree; a flag of 14401 completes an animation frame.
+  // Draws the whole tree; a flag of ANIMATION_TIMER_ID completes an animation frame.
   virtual void OnPaint(UINT flag);
 
   BOOL PreTranslateMessage(MSG* msg) override;

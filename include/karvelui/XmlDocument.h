@@ -11,10 +11,13 @@
 // GetNextSibling, which see elements only, in document order.
 //
 // Text crosses as UTF-8, the narrow code page of this platform, in both
-// directions. Paths are library paths. Files nested deeper than
-// kMaxXmlElementDepth (XmlText.h), empty, truncated or not well-formed fail
-// to load: 0 and no tree. A file that starts with a UTF-8 byte-order mark
-// is saved back with one.
+// directions. Paths are library paths. Empty, truncated or not well-formed
+// files fail to load: 0 and no tree; so do files past the limits that keep
+// a hostile file from exhausting memory or the stack (src/skin/XmlText.h):
+// larger than 8 MiB, elements nested deeper than 256, or an element with
+// more than 1024 attributes. A file holding only a declaration or a comment
+// loads as a document without elements. A file that starts with a UTF-8
+// byte-order mark is saved back with one.
 
 #include <memory>
 

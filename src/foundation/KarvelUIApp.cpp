@@ -12,7 +12,8 @@ BOOL CKarvelUIApp::InitInstance() {
 }
 
 int CKarvelUIApp::ExitInstance() {
-  // Releasing the log also clears g_ITrace, so a second exit finds nothing.
+  // The log outlives its release (see ITrace_imp::Release), so g_ITrace
+  // stays valid for whatever runs after this, and a second exit is harmless.
   if (g_ITrace) g_ITrace->Release();
   return 0;
 }

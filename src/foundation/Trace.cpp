@@ -21,14 +21,16 @@ constexpr UINT kOpenFlags = CStdioFile::modeReadWrite | CStdioFile::modeCreate |
 std::mutex g_instanceMutex;
 ITrace_imp* g_instance = nullptr;
 
+// Never destroyed: lines traced while static objects are torn down still
+// look at them.
 std::mutex& ObserverMutex() {
-  static std::mutex m;
-  return m;
+  static auto* const mutex = new std::mutex();
+  return *mutex;
 }
 
 ITrace_imp::Observer& CurrentObserver() {
-  static ITrace_imp::Observer observer;
-  return observer;
+  static auto* const observer = new ITrace_imp::Observer();
+  return *observer;
 }
 
 }  // namespace
@@ -40,6 +42,8 @@ ITrace_imp* ITrace_imp::GetInstance() {
   if (!g_instance) {
     g_instance = new ITrace_imp(DefaultPath());
     g_ITrace = g_instance;
+  } else {
+    g_instance->Reopen();
   }
   return g_instance;
 }
@@ -57,25 +61,42 @@ ITrace_imp::ITrace_imp(const CString& path) : m_strPath(path) {
   OpenFile();
 }
 
-ITrace_imp::~ITrace_imp() {
-  Close();
-  // The process log is forgotten, not left dangling: a later GetInstance()
-  // makes a fresh one.
-  std::lock_guard<std::mutex> lock(g_instanceMutex);
-  if (g_instance == this) {
-    g_instance = nullptr;
-    if (g_ITrace == this) g_ITrace = nullptr;
-  }
-}
+ITrace_imp::~ITrace_imp() { Close(); }
 
-void ITrace_imp::Release() { delete this; }
+// The process log is released at unload, while g_ITrace and the accessor
+// keep pointing at it and code that runs later in shut-down still traces:
+// so it closes its file and lives on, opening the file per line from then.
+void ITrace_imp::Release() {
+  {
+    std::lock_guard<std::mutex> lock(g_instanceMutex);
+    if (this == g_instance) {
+      std::lock_guard<CriticalSection> fileLock(m_lock);
+      CloseFile();
+      m_bReleased = true;
+      return;
+    }
+  }
+  delete this;
+}
 
 void ITrace_imp::Close() {
   std::lock_guard<CriticalSection> lock(m_lock);
+  CloseFile();
+}
+
+// Called with the lock held.
+void ITrace_imp::CloseFile() {
   if (m_bOpen) {
     m_file.Close();
     m_bOpen = 0;
   }
+}
+
+void ITrace_imp::Reopen() {
+  std::lock_guard<CriticalSection> lock(m_lock);
+  if (!m_bReleased) return;
+  m_bReleased = false;
+  if (!m_bOpen) OpenFile();
 }
 
 CString ITrace_imp::GetPath() const {
@@ -152,6 +173,7 @@ void ITrace_imp::WriteLine(int level, const CString& message, const CString& lin
   m_file.SeekToEnd();
   m_file.Write(bytes.data(), static_cast<UINT>(bytes.size()));
   if (flush) m_file.Flush();
+  if (m_bReleased) CloseFile();
 }
 
 }  // namespace KarvelUI

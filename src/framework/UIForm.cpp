@@ -380,6 +380,11 @@ void CUIForm::RemoveSubTooltip(CUIControl* control) {
 BOOL CUIForm::PreTranslateMessage(MSG* msg) {
   if (m_bClosing) return TRUE;
   if (m_pToolTip->GetSafeHwnd()) m_pToolTip->RelayEvent(msg);
+  if (msg->message == WM_DESTROY) {
+    // The tooltip window goes before the form it hangs on.
+    m_bToolTipsEnabled = FALSE;
+    m_pToolTip->DestroyWindow();
+  }
   return CWnd::PreTranslateMessage(msg);
 }
 

@@ -12,12 +12,16 @@ namespace KarvelUI {
 
 namespace {
 
+// WM_MOUSEMOVE to WM_MOUSEWHEEL and WM_MOUSELEAVE. The messages after the
+// wheel (side buttons, WM_MOUSEHWHEEL) go to the window's default handling:
+// no control takes them.
 bool IsMouseMessage(UINT message) {
-  return (message >= WM_MOUSEFIRST && message <= WM_MOUSELAST) || message == WM_MOUSELEAVE;
+  return (message >= WM_MOUSEMOVE && message <= WM_MOUSEWHEEL) || message == WM_MOUSELEAVE;
 }
 
-// The design unpacks points as unsigned 16-bit halves, so a captured cursor
-// left of or above the window arrives as a large positive coordinate.
+// Deliberately unsigned 16-bit halves, as the form's controls expect: a
+// captured cursor left of or above the window arrives as a large positive
+// coordinate, which no control contains.
 CPoint UnsignedPoint(LPARAM lParam) { return CPoint(LOWORD(lParam), HIWORD(lParam)); }
 
 // The smallest grips, whatever the border margin says.

@@ -1,6 +1,7 @@
 #pragma once
 
-// Loading shared libraries by the names the design uses. "X.dll" names the
+// Loading shared libraries by the names callers pass, which are the same on
+// every platform (the RAW extractor is "ZorImgUtil.dll"). "X.dll" names the
 // library "libX.so"; a bare name is looked for next to this library first,
 // then next to the program. A name with a folder is used in that folder only.
 

@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <mutex>
 #include <string>
 
 #include "platform/Paths.h"
@@ -27,6 +28,16 @@ timespec ToPosixTime(std::int64_t nanos) {
     --t.tv_sec;
   }
   return t;
+}
+
+std::mutex& WritableHookMutex() {
+  static std::mutex mutex;
+  return mutex;
+}
+
+FolderWritableHook& WritableHook() {
+  static FolderWritableHook hook;
+  return hook;
 }
 
 }  // namespace
@@ -59,6 +70,24 @@ bool SetPathTimes(const CString& path, std::int64_t accessTime, std::int64_t mod
 bool RemoveFile(const CString& path) {
   if (path.IsEmpty()) return false;
   return unlink(ToNativePath(path).c_str()) == 0;
+}
+
+bool IsFolderWritable(const CString& folder) {
+  FolderWritableHook hook;
+  {
+    std::lock_guard<std::mutex> lock(WritableHookMutex());
+    hook = WritableHook();
+  }
+  if (hook) return hook(folder);
+  if (folder.IsEmpty()) return false;
+  return access(ToNativePath(folder).c_str(), W_OK | X_OK) == 0;
+}
+
+FolderWritableHook SetFolderWritableHook(FolderWritableHook hook) {
+  std::lock_guard<std::mutex> lock(WritableHookMutex());
+  FolderWritableHook previous = std::move(WritableHook());
+  WritableHook() = std::move(hook);
+  return previous;
 }
 
 CreateFolderResult CreateFolder(const CString& path) {

@@ -5,6 +5,7 @@
 // failure through its result and never throws.
 
 #include <cstdint>
+#include <functional>
 
 #include <karvelui/CString.h>
 #include <karvelui/Export.h>
@@ -28,15 +29,24 @@ bool GetPathStatus(const CString& path, FileStatus& status);
 bool SetPathTimes(const CString& path, std::int64_t accessTime, std::int64_t modificationTime);
 bool RemoveFile(const CString& path);
 
+// Whether this process may create files in the folder, as the OS answers
+// (permissions, a read-only mount), or as the installed hook answers.
+bool IsFolderWritable(const CString& folder);
+// Tests answer IsFolderWritable through a hook (an empty function removes
+// it), since permissions do not stop a test run as root. Returns the
+// previous hook.
+using FolderWritableHook = std::function<bool(const CString& folder)>;
+FolderWritableHook SetFolderWritableHook(FolderWritableHook hook);
+
 enum class CreateFolderResult { Created, AlreadyExists, Failed };
 // Creates one folder (its parent must exist).
 CreateFolderResult CreateFolder(const CString& path);
 // Creates the folder and any missing parents; true when it exists afterwards.
 bool CreateFolderTree(const CString& path);
 
-// Hiding is a file attribute on the design's platform; POSIX hides by a
-// leading dot in the name instead, which would rename the file. This is a
-// deliberate no-op that reports whether the path exists.
+// POSIX hides a file only by a leading dot in its name, which would rename
+// it under the callers who keep its path (the RAW preview cache). So this is
+// a deliberate no-op that reports whether the path exists.
 bool SetHiddenAttribute(const CString& path, bool hidden);
 
 }  // namespace KarvelUI

@@ -14,7 +14,7 @@
 // The default browser comes from the XDG mimeapps.list files (the default
 // application for x-scheme-handler/http and .../https) and its desktop entry.
 // Key paths compare without regard to case, as registry paths do; nothing
-// else exists, so the design's other keys read as missing.
+// else exists, so every other key reads as missing.
 
 #include <utility>
 #include <vector>

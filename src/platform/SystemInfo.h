@@ -1,8 +1,8 @@
 #pragma once
 
-// The operating-system version record the design reads. Its platform id
-// is never the NT one here, so code that branches on "NT 6.x" takes its
-// other path on this system.
+// The operating-system version record that version checks read. Its
+// platform id is never VER_PLATFORM_WIN32_NT here, so code that branches on
+// "NT 6.x" takes its other path on this system.
 
 #include <cstdint>
 
@@ -12,7 +12,8 @@
 namespace KarvelUI {
 
 inline constexpr DWORD VER_PLATFORM_WIN32_NT = 2;
-// The id this platform reports: a POSIX system, not one of the design's.
+// The id this platform reports: a POSIX system, deliberately none of the
+// ids version checks look for.
 inline constexpr DWORD VER_PLATFORM_POSIX = 0x100;
 inline constexpr BYTE VER_NT_WORKSTATION = 1;
 

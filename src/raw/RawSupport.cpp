@@ -79,11 +79,12 @@ bool EnsureCacheFolder(const CString& folder, bool hidden) {
 // The extraction library receives native paths.
 std::wstring NativeWide(const CString& path) { return Utf8ToWide(ToNativePath(path)); }
 
-// Gives the JPEG the RAW file's last-access time, which marks it current.
-bool CopyAccessTime(const CString& rawPath, const CString& jpgPath) {
+// Gives the JPEG the RAW file's modification time, which marks it current
+// (its access time stays its own).
+bool CopyModificationTime(const CString& rawPath, const CString& jpgPath) {
   FileStatus raw, jpg;
   return GetPathStatus(rawPath, raw) && GetPathStatus(jpgPath, jpg) &&
-         SetPathTimes(jpgPath, raw.accessTime, jpg.modificationTime);
+         SetPathTimes(jpgPath, jpg.accessTime, raw.modificationTime);
 }
 
 }  // namespace
@@ -121,7 +122,7 @@ int GetRawFileJPGPath(const CString& rawPath, CString& jpgPath) {
 int TimeStatusCompare(const CString& a, const CString& b) {
   FileStatus first, second;
   if (!GetPathStatus(a, first) || !GetPathStatus(b, second)) return 0;
-  return first.accessTime == second.accessTime ? 1 : 0;
+  return first.modificationTime == second.modificationTime ? 1 : 0;
 }
 
 int GenerateRawJPGFile(const CString& rawPath, const CString& jpgPath) {
@@ -136,7 +137,7 @@ int GenerateRawJPGFile(const CString& rawPath, const CString& jpgPath) {
   if (!extract) return 0;
   if (extract(NativeWide(rawPath).c_str(), NativeWide(jpgPath).c_str()) != 0) return 0;
 
-  if (!CopyAccessTime(rawPath, jpgPath)) {
+  if (!CopyModificationTime(rawPath, jpgPath)) {
     // The JPEG stays; its differing time makes the next call extract again.
     g_ITrace->Trace(TRACE_LEVEL_FALLBACK, TRACE_FLUSH, L"Error in SetStatus for %u", static_cast<unsigned>(errno));
     return 0;

@@ -153,14 +153,10 @@ void DXCore::SetGlobalOpacity(float opacity) {
 
 HRESULT DXCore::BeginPaint() {
   if (!m_pD3DDevice) return E_FAIL;
-  if (!m_pD3DXSprite) {
-    // A failed reset left no sprite: try once more at the current size, and
-    // paint nothing when that fails too.
-    const HRESULT reset = ResetD3DSize({static_cast<LONG>(m_d3dpp.BackBufferWidth),
-                                        static_cast<LONG>(m_d3dpp.BackBufferHeight)});
-    if (FAILED(reset)) return reset;
-    if (!m_pD3DXSprite) return E_FAIL;
-  }
+  // A failed reset left no sprite and wrote its trace line. Paints fail
+  // quietly until the next ResetD3DSize (the form's next size change), so
+  // a device that stays unusable costs neither a reset nor a line per paint.
+  if (!m_pD3DXSprite) return E_FAIL;
   if (m_bSceneOpen) {
     m_pD3DDevice->EndScene();  // left open by a batch that failed to begin
     m_bSceneOpen = false;

@@ -7,6 +7,18 @@
 #include <karvelui/SkinReader.h>
 
 namespace KarvelUI {
+namespace {
+
+// A program installed where its user cannot write keeps the chosen skin in
+// the user's application-data folder instead; reading looks beside the
+// program first, then there.
+CString DataFolder() {
+  CString folder;
+  GetAppDataPath(folder);
+  return folder;
+}
+
+}  // namespace
 
 CUISkinManager* CUISkinManager::m_pInstance = nullptr;
 CUISkinManager::BuiltInRegistration CUISkinManager::s_builtInRegistration = nullptr;
@@ -122,11 +134,12 @@ int CUISkinManager::LoadDefaultSkin() {
 }
 
 int CUISkinManager::LoadPreSkin() {
-  const CString path = GetAppPath() + L"PreSkin.xml";
-  if (PathExists(path)) {
+  for (const CString& path : {GetAppPath() + L"PreSkin.xml", DataFolder() + L"\\PreSkin.xml"}) {
+    if (!PathExists(path)) continue;
     CXmlDocument previous;
     previous.LoadFile(path);
     if (void* node = previous.PathWalk(L"PreSkin")) m_strPreSkin = CXmlDocument::GetNodeAttribute(node, L"Name");
+    break;
   }
   if (m_strPreSkin.CompareNoCase(m_strDefaultSkin) != 0) SetSkinFile(m_strPreSkin);
   return 1;
@@ -136,7 +149,10 @@ int CUISkinManager::SavePreSkin() {
   m_strPreSkin = m_strCurrentSkin;
   CXmlDocument choice;
   CXmlDocument::SetNodeAttribute(choice.InsertEndChild(L"PreSkin"), L"Name", m_strPreSkin);
-  return choice.SaveFile(GetAppPath() + L"PreSkin.xml");
+  if (IsFolderWritable(GetAppPath())) return choice.SaveFile(GetAppPath() + L"PreSkin.xml");
+  const CString folder = DataFolder();
+  CreateFolderTree(folder);
+  return choice.SaveFile(folder + L"\\PreSkin.xml");
 }
 
 void CUISkinManager::DeleteSkinContents() { m_prototypes.RemoveAll(); }

@@ -48,8 +48,8 @@ ParsedFile ParseXmlFile(const CString& path) {
   auto doc = std::make_unique<TiXmlDocument>(Narrow(path).c_str());
   doc->SetTabSize(0);  // no row/column tracking: it can spin on stray lead bytes
   doc->Parse(text->c_str(), nullptr, TIXML_ENCODING_UNKNOWN);
-  // A declaration or comment alone is no document either.
-  if (doc->Error() || !doc->RootElement()) return parsed;
+  // A declaration or a comment alone parses: a document without elements.
+  if (doc->Error()) return parsed;
   parsed.doc = std::move(doc);
   parsed.utf8Bom = text->starts_with(kUtf8Bom);
   return parsed;

@@ -24,12 +24,18 @@
 
 namespace KarvelUI {
 
-// Deepest element nesting a skin, build or list file may use.
+// The limits of every XML file the library reads (also stated in
+// <karvelui/XmlDocument.h>). Skin, build and list files stay far below
+// them; a file past any of them is refused whole.
+//
+// Deepest element nesting: the parser recurses once per level, so this
+// bounds its stack use.
 inline constexpr int kMaxXmlElementDepth = 256;
 // Most attributes one element may carry (the parser checks each new
 // attribute against all earlier ones, so their number costs its square).
 inline constexpr int kMaxXmlAttributes = 1024;
-// Larger files are refused before they are read into memory.
+// Largest file: text and tree are held in memory whole; larger files are
+// refused before they are read.
 inline constexpr std::size_t kMaxXmlFileBytes = 8u << 20;
 
 // The text the parser is given, or nothing when the file must be refused

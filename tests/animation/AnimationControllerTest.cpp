@@ -226,8 +226,8 @@ TEST(AnimationControllerThreads, BoardsBegunAndStoppedWhileTicksRun) {
   }
   worker.join();
   // A board handed over without the timer just after the window's thread
-  // finished every other board waits, as designed, for the next board that
-  // starts the timer: start one.
+  // finished every other board waits for the next board that starts the
+  // timer (only Begin with startTimer arms it): start one.
   restarted[0].Begin(FakeForm(), 1);
   for (int i = 0; i < 100 && (f.controller->GetBoardCount() || f.controller->GetTimerRunning()); ++i) f.After(20);
   EXPECT_EQ(f.controller->GetBoardCount(), 0u);

@@ -53,14 +53,16 @@ TEST_F(FakeCoreTest, FourRefusalsReturnTheLastResultAndLeaveNoDevice) {
   EXPECT_EQ(core.ResetD3DSize({800, 600}), 1);
 }
 
-TEST_F(FakeCoreTest, AFailedSpriteKeepsTheDeviceAndTheNextPaintMakesIt) {
+TEST_F(FakeCoreTest, AFailedSpriteKeepsTheDeviceAndTheNextResetMakesIt) {
   gpu->FailNext(fake::Call::CreateSprite, E_OUTOFMEMORY);
   EXPECT_EQ(core._InitD3D(), E_OUTOFMEMORY);
   EXPECT_THAT(Traced(), ElementsAre(kCapsLine, L"4 <D3DERROR> Create sprite fail: -2147024882"));
   EXPECT_NE(core.GetD3DDevice(), nullptr);
   EXPECT_EQ(core.GetD3DXSprite(), nullptr);
-  EXPECT_EQ(core.BeginPaint(), S_OK);
+  EXPECT_EQ(core.BeginPaint(), E_FAIL);
+  ASSERT_EQ(core.ResetD3DSize({320, 200}), S_OK);
   EXPECT_NE(core.GetD3DXSprite(), nullptr);
+  EXPECT_EQ(core.BeginPaint(), S_OK);
 }
 
 TEST_F(FakeCoreTest, NothingIsAttemptedWithoutTheProcessObjectOrAWindow) {

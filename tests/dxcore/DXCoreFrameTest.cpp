@@ -69,17 +69,22 @@ TEST_F(FakeCoreTest, ALostDeviceThatCannotBeResetFailsPaintingCleanlyUntilItCan)
                                     L"4 <D3DERROR> Present fail: -2005530520"));
   EXPECT_EQ(core.GetD3DXSprite(), nullptr);
 
-  // No sprite: no scene is begun and nothing is drawn.
+  // No sprite: paints fail quietly, without a reset, a scene or a trace line.
   gpu->ClearLog();
-  EXPECT_EQ(core.BeginPaint(), D3DERR_DEVICELOST);
-  EXPECT_EQ(gpu->Count(fake::Call::BeginScene), 0);
-  EXPECT_EQ(core.DrawImage(static_cast<IDirect3DTexture9*>(nullptr), nullptr, nullptr, nullptr, 0xFFFFFFFF), E_FAIL);
-  EXPECT_EQ(core.DrawTextW(L"x", 1, 0, 0, 9, 9, 12, 400, 0, 0, L"SimSun", 0, 0xFFFFFFFF), E_FAIL);
-  EXPECT_EQ(core.SetTransform(nullptr, nullptr, nullptr, 0, nullptr), E_FAIL);
-  EXPECT_EQ(core.EndPaint(), E_FAIL);
+  trace.Clear();
+  for (int paint = 0; paint < 3; ++paint) {
+    EXPECT_EQ(core.BeginPaint(), E_FAIL);
+    EXPECT_EQ(core.DrawImage(static_cast<IDirect3DTexture9*>(nullptr), nullptr, nullptr, nullptr, 0xFFFFFFFF), E_FAIL);
+    EXPECT_EQ(core.DrawTextW(L"x", CRect(0, 0, 9, 9), LOGFONTW{}, 0, 0xFFFFFFFF), E_FAIL);
+    EXPECT_EQ(core.SetTransform(nullptr, nullptr, nullptr, 0, nullptr), E_FAIL);
+    EXPECT_EQ(core.EndPaint(), E_FAIL);
+  }
+  EXPECT_THAT(gpu->Calls(), IsEmpty());
+  EXPECT_THAT(trace.Lines(), IsEmpty());
 
-  // Once the device can be reset, the next paint recovers.
+  // The next size change resets the device once it can be, and paints go through.
   gpu->ClearFaults();
+  ASSERT_EQ(core.ResetD3DSize({640, 480}), S_OK);
   EXPECT_EQ(core.BeginPaint(), S_OK);
   EXPECT_EQ(core.EndPaint(), S_OK);
 }

@@ -173,9 +173,13 @@ TEST(TraceLog, GlobalLogCaptureAndRelease) {
     EXPECT_EQ(lines[1].message, L"<D3DERROR> Begin scene fail: -2005530520");
   }
 
+  // Released, not forgotten: both pointers stay, and a later line opens
+  // the file only for itself; the accessor hands out the log open again.
   g_ITrace->Release();
-  EXPECT_EQ(g_ITrace, nullptr);
-  ITrace_imp* fresh = ITrace_imp::GetInstance();
-  EXPECT_EQ(g_ITrace, fresh);
-  EXPECT_TRUE(fresh->IsOpen());
+  ASSERT_EQ(g_ITrace, instance);
+  EXPECT_FALSE(instance->IsOpen());
+  g_ITrace->Trace(TRACE_LEVEL_ERROR, TRACE_FLUSH, L"<ERROR> after release");
+  EXPECT_FALSE(instance->IsOpen());
+  EXPECT_EQ(ITrace_imp::GetInstance(), instance);
+  EXPECT_TRUE(instance->IsOpen());
 }

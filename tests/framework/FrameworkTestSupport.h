@@ -21,6 +21,21 @@ namespace KarvelTest {
 
 using namespace KarvelUI;
 
+// The message's name in journal lines, or its number when unnamed here.
+inline std::string MessageName(UINT message) {
+#define KARVEL_NAMED(m) {m, #m}
+  static const std::pair<UINT, const char*> kNames[] = {
+      KARVEL_NAMED(WM_MOUSEMOVE),     KARVEL_NAMED(WM_LBUTTONDOWN),   KARVEL_NAMED(WM_LBUTTONUP),
+      KARVEL_NAMED(WM_RBUTTONDOWN),   KARVEL_NAMED(WM_RBUTTONUP),     KARVEL_NAMED(WM_MOUSEWHEEL),
+      KARVEL_NAMED(WM_MOUSEHWHEEL),   KARVEL_NAMED(WM_MOUSEHOVER),    KARVEL_NAMED(WM_MOUSELEAVE),
+      KARVEL_NAMED(WM_KEYDOWN),       KARVEL_NAMED(WM_KEYUP),         KARVEL_NAMED(UI_KEY_SETFOCUS),
+      KARVEL_NAMED(UI_KEY_KILLFOCUS)};
+#undef KARVEL_NAMED
+  for (const auto& [value, name] : kNames)
+    if (value == message) return name;
+  return std::to_string(message);
+}
+
 // What the probes saw, one line per event, in order.
 inline std::vector<std::string>& Journal() {
   static std::vector<std::string> journal;
@@ -46,12 +61,12 @@ class ProbeControl : public CUIControl {
     Journal().push_back(line.str());
   }
   int OnMouseMessage(UINT message, UINT flags, const CPoint& point) override {
-    Journal().push_back(GetObjectID().ToUtf8() + " mouse " + std::to_string(message) + " " + std::to_string(point.x) +
+    Journal().push_back(GetObjectID().ToUtf8() + " mouse " + MessageName(message) + " " + std::to_string(point.x) +
                         "," + std::to_string(point.y) + (flags ? " flags " + std::to_string(flags) : ""));
     return handlesMouse;
   }
   int OnKeyMessage(UINT message, UINT wParam, UINT, UINT) override {
-    Journal().push_back(GetObjectID().ToUtf8() + " key " + std::to_string(message) +
+    Journal().push_back(GetObjectID().ToUtf8() + " key " + MessageName(message) +
                         (wParam ? " " + std::to_string(wParam) : ""));
     return handlesKeys;
   }

@@ -193,11 +193,12 @@ TEST(ControlHitTest, AHitTransparentPanelIsNeverTheHitItself) {
 TEST(ControlInput, UnhandledMessagesBubbleUpToTheRoot) {
   Tree t;
   t.a1->DispatchMouseMessage(WM_LBUTTONDOWN, 0, CPoint(1, 2));
-  EXPECT_THAT(Journal(), ElementsAre("A1 mouse 513 1,2", "A mouse 513 1,2", "root mouse 513 1,2"));
+  EXPECT_THAT(Journal(), ElementsAre("A1 mouse WM_LBUTTONDOWN 1,2", "A mouse WM_LBUTTONDOWN 1,2",
+                                     "root mouse WM_LBUTTONDOWN 1,2"));
   Journal().clear();
   t.a->handlesKeys = 1;
   t.a1->DispatchKeyMessage(WM_KEYDOWN, VK_SPACE, 1, 0);
-  EXPECT_THAT(Journal(), ElementsAre("A1 key 256 32", "A key 256 32"));
+  EXPECT_THAT(Journal(), ElementsAre("A1 key WM_KEYDOWN 32", "A key WM_KEYDOWN 32"));
 }
 
 TEST(ControlSkin, SkinChangesReachParentsBeforeChildren) {

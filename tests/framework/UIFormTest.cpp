@@ -80,9 +80,10 @@ TEST_F(FormTest, HoverAndLeaveReachEachControlOnceThroughTheWindowProcedure) {
   Send(form, WM_MOUSEMOVE, 30, 25);
   Send(form, WM_MOUSEMOVE, 120, 20);
   Send(form, WM_MOUSELEAVE, 0, 0);
-  EXPECT_THAT(Journal(), ElementsAre("One mouse 673 0,0", "One mouse 512 20,20", "One mouse 512 30,25",
-                                     "One mouse 675 0,0", "Two mouse 673 0,0", "Two mouse 512 120,20",
-                                     "Two mouse 675 0,0"));
+  EXPECT_THAT(Journal(), ElementsAre("One mouse WM_MOUSEHOVER 0,0", "One mouse WM_MOUSEMOVE 20,20",
+                                     "One mouse WM_MOUSEMOVE 30,25", "One mouse WM_MOUSELEAVE 0,0",
+                                     "Two mouse WM_MOUSEHOVER 0,0", "Two mouse WM_MOUSEMOVE 120,20",
+                                     "Two mouse WM_MOUSELEAVE 0,0"));
   EXPECT_EQ(form->GetHoverControl(), nullptr);
 }
 
@@ -96,8 +97,10 @@ TEST_F(FormTest, RealPointerEventsHoverAndLeaveOnceEach) {
   PumpAll();
   PushWindowEvent(form->GetSafeHwnd(), SDL_WINDOWEVENT_LEAVE);
   PumpAll();
-  EXPECT_THAT(JournalOf("One mouse 67"), ElementsAre("One mouse 673 0,0", "One mouse 675 0,0"));
-  EXPECT_THAT(JournalOf("Two mouse 67"), ElementsAre("Two mouse 673 0,0", "Two mouse 675 0,0"));
+  EXPECT_THAT(JournalOf("One mouse WM_MOUSEHOVER"), ElementsAre("One mouse WM_MOUSEHOVER 0,0"));
+  EXPECT_THAT(JournalOf("One mouse WM_MOUSELEAVE"), ElementsAre("One mouse WM_MOUSELEAVE 0,0"));
+  EXPECT_THAT(JournalOf("Two mouse WM_MOUSEHOVER"), ElementsAre("Two mouse WM_MOUSEHOVER 0,0"));
+  EXPECT_THAT(JournalOf("Two mouse WM_MOUSELEAVE"), ElementsAre("Two mouse WM_MOUSELEAVE 0,0"));
 }
 
 TEST_F(FormTest, TheCaptureControlGetsClicksOutsideEveryControl) {
@@ -109,7 +112,7 @@ TEST_F(FormTest, TheCaptureControlGetsClicksOutsideEveryControl) {
   Journal().clear();
   Send(form, WM_LBUTTONDOWN, 290, 190, MK_LBUTTON);
   Send(form, WM_LBUTTONUP, 150, 30);  // over Two, still One's
-  EXPECT_THAT(Journal(), ElementsAre("One mouse 513 290,190 flags 1", "One mouse 514 150,30"));
+  EXPECT_THAT(Journal(), ElementsAre("One mouse WM_LBUTTONDOWN 290,190 flags 1", "One mouse WM_LBUTTONUP 150,30"));
   one->ReleaseControlCapture();
   EXPECT_EQ(GetCapture(), nullptr);
   Journal().clear();
@@ -126,6 +129,27 @@ TEST_F(FormTest, ClicksOnDisabledControlsOrEmptySpaceReachNoControl) {
   EXPECT_THAT(Journal(), IsEmpty());
   Send(form, WM_LBUTTONDOWN, 200, 150);  // no control: the root itself
   EXPECT_THAT(Journal(), IsEmpty());
+}
+
+TEST_F(FormTest, TheWheelArrivesInClientPointsAndTheHorizontalWheelIsNotRouted) {
+  LoadTestSkin();
+  CUIForm* form = MakeForm();
+  Journal().clear();
+  Send(form, WM_MOUSEWHEEL, 50 + 20, 40 + 20);  // a screen point over One
+  Send(form, WM_MOUSEHWHEEL, 20, 20);
+  EXPECT_THAT(Journal(), ElementsAre("One mouse WM_MOUSEWHEEL 20,20"));
+}
+
+TEST_F(FormTest, ADestroyMessageTakesTheTooltipWindowDown) {
+  LoadTestSkin();
+  CUIForm* form = MakeForm();
+  ASSERT_NE(form->GetToolTipCtrl()->GetSafeHwnd(), nullptr);
+  MSG destroy{};
+  destroy.hwnd = form->GetSafeHwnd();
+  destroy.message = WM_DESTROY;
+  form->PreTranslateMessage(&destroy);
+  EXPECT_EQ(form->GetToolTipCtrl()->GetSafeHwnd(), nullptr);
+  EXPECT_NE(form->GetSafeHwnd(), nullptr);  // the form itself goes its own way
 }
 
 // --- keyboard and tab order ---------------------------------------------------------------------
@@ -168,7 +192,8 @@ TEST_F(FormTest, KeysGoToTheFocusControlAndFocusChangesAreAnnounced) {
   one->SetFocused(TRUE);
   form->SendMessage(WM_KEYDOWN, VK_RIGHT);
   Child(form, L"Two")->SetFocused(TRUE);
-  EXPECT_THAT(Journal(), ElementsAre("One key 4025", "One key 256 39", "One key 4024", "Two key 4025"));
+  EXPECT_THAT(Journal(), ElementsAre("One key UI_KEY_SETFOCUS", "One key WM_KEYDOWN 39", "One key UI_KEY_KILLFOCUS",
+                                     "Two key UI_KEY_SETFOCUS"));
   Journal().clear();
   Child(form, L"Two")->SetVisible(FALSE);
   form->SendMessage(WM_KEYDOWN, VK_RIGHT);

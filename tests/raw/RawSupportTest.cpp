@@ -29,10 +29,10 @@ namespace {
 
 CString LibraryPath(const fs::path& native) { return KarvelUI::FromNativePath(native.string()); }
 
-std::int64_t AccessTime(const fs::path& file) {
+std::int64_t ModificationTime(const fs::path& file) {
   FileStatus status;
   EXPECT_TRUE(KarvelUI::GetPathStatus(LibraryPath(file), status)) << file;
-  return status.accessTime;
+  return status.modificationTime;
 }
 
 void SetTimes(const fs::path& file, std::int64_t access, std::int64_t modification) {
@@ -146,13 +146,13 @@ TEST_F(RawTest, CachePathFailsWithoutFolderOrWhenTheCacheCannotBeCreated) {
 
 // --- cache freshness -------------------------------------------------------------
 
-TEST_F(RawTest, TimeStatusCompareLooksAtAccessTimesOnly) {
+TEST_F(RawTest, TimeStatusCompareLooksAtModificationTimesOnly) {
   const fs::path a = m_photos.Write("a.nef", "a");
   const fs::path b = m_photos.Write("a.jpg", "b");
   SetTimes(a, kSomeTime, kSomeTime);
-  SetTimes(b, kSomeTime, kSomeTime + 60 * kSecond);
+  SetTimes(b, kSomeTime + 60 * kSecond, kSomeTime);  // read a minute later
   EXPECT_EQ(TimeStatusCompare(LibraryPath(a), LibraryPath(b)), 1);
-  SetTimes(b, kSomeTime + 1, kSomeTime);
+  SetTimes(b, kSomeTime, kSomeTime + 1);
   EXPECT_EQ(TimeStatusCompare(LibraryPath(a), LibraryPath(b)), 0);
   EXPECT_EQ(TimeStatusCompare(LibraryPath(a), LibraryPath(m_photos.Path() / "missing.jpg")), 0);
   EXPECT_EQ(TimeStatusCompare(LibraryPath(m_photos.Path() / "missing.nef"), LibraryPath(a)), 0);
@@ -163,7 +163,7 @@ TEST_F(RawTest, CurrentJpegIsKeptWithoutLoadingTheLibrary) {
   const fs::path jpgFile = KarvelUI::ToNativePath(jpg);
   m_home.Write(fs::relative(jpgFile, m_home.Path()).string(), "cached jpeg");
   SetTimes(raw, kSomeTime, kSomeTime);
-  SetTimes(jpgFile, kSomeTime, kSomeTime + kSecond);
+  SetTimes(jpgFile, kSomeTime + kSecond, kSomeTime);  // read since it was made
   KarvelUI::SetRawExtractorLibrary(L"KarvelNoSuchExtractor.dll");
   EXPECT_EQ(GenerateRawJPGFile(LibraryPath(raw), jpg), 1);
   EXPECT_EQ(KarvelTest::TempDir::Read(jpgFile), "cached jpeg");
@@ -173,8 +173,8 @@ TEST_F(RawTest, StaleJpegIsDeletedBeforeExtracting) {
   auto [raw, jpg] = RawAndCache("a.nef", "raw bytes");
   const fs::path jpgFile = KarvelUI::ToNativePath(jpg);
   m_home.Write(fs::relative(jpgFile, m_home.Path()).string(), "old jpeg");
-  SetTimes(raw, kSomeTime, kSomeTime);
-  SetTimes(jpgFile, kSomeTime + kSecond, kSomeTime);
+  SetTimes(raw, kSomeTime, kSomeTime + kSecond);  // the RAW file changed since
+  SetTimes(jpgFile, kSomeTime, kSomeTime);
   KarvelUI::SetRawExtractorLibrary(L"KarvelNoSuchExtractor.dll");
   EXPECT_EQ(GenerateRawJPGFile(LibraryPath(raw), jpg), 0);
   EXPECT_FALSE(fs::exists(jpgFile));
@@ -205,16 +205,21 @@ TEST_F(RawTest, FailedTimeCopyIsTracedWithTheSystemError) {
   EXPECT_EQ(trace.Lines()[0].message, L"Error in SetStatus for 2");  // ENOENT
 }
 
-TEST_F(RawTest, EmbeddedPreviewIsWrittenAsItIsAndStampedWithTheRawAccessTime) {
+TEST_F(RawTest, EmbeddedPreviewIsWrittenAsItIsAndStampedWithTheRawModificationTime) {
   KarvelTest::DngLayout layout;
   layout.previews = {KarvelTest::MakePreviewJpeg(32, 24, 0xFF0000), KarvelTest::MakePreviewJpeg(96, 64, 0x00FF00)};
   auto [raw, jpg] = RawAndCache("IMG_0001.DNG", KarvelTest::MakeDng(layout));
   const fs::path jpgFile = KarvelUI::ToNativePath(jpg);
   ASSERT_EQ(GenerateRawJPGFile(LibraryPath(raw), jpg), 1);
-  EXPECT_EQ(AccessTime(jpgFile), AccessTime(raw));
-  // Now current: no extraction is needed, not even a library.
+  EXPECT_EQ(ModificationTime(jpgFile), ModificationTime(raw));
+  // Now current: no extraction is needed, not even a library; reading the
+  // preview and the RAW file (new access times) keeps it so.
   KarvelUI::SetRawExtractorLibrary(L"KarvelNoSuchExtractor.dll");
-  EXPECT_EQ(GenerateRawJPGFile(LibraryPath(raw), jpg), 1);
+  for (int read = 1; read <= 2; ++read) {
+    EXPECT_EQ(GenerateRawJPGFile(LibraryPath(raw), jpg), 1);
+    SetTimes(jpgFile, kSomeTime + read * kSecond, ModificationTime(jpgFile));
+    SetTimes(raw, kSomeTime - read * kSecond, ModificationTime(raw));
+  }
   // The larger preview, byte for byte.
   EXPECT_EQ(KarvelTest::TempDir::Read(jpgFile), layout.previews[1].jpeg);
 }
@@ -234,9 +239,9 @@ TEST_F(RawTest, StaleJpegIsReplacedByAFreshExtraction) {
   const fs::path jpgFile = KarvelUI::ToNativePath(jpg);
   m_home.Write(fs::relative(jpgFile, m_home.Path()).string(), "stale");
   SetTimes(raw, kSomeTime, kSomeTime);
-  SetTimes(jpgFile, kSomeTime - kSecond, kSomeTime);
+  SetTimes(jpgFile, kSomeTime, kSomeTime - kSecond);
   ASSERT_EQ(GenerateRawJPGFile(LibraryPath(raw), jpg), 1);
-  EXPECT_EQ(AccessTime(jpgFile), AccessTime(raw));
+  EXPECT_EQ(ModificationTime(jpgFile), ModificationTime(raw));
   EXPECT_EQ(KarvelTest::TempDir::Read(jpgFile), layout.previews[0].jpeg);
 }
 

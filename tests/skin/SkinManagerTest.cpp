@@ -1,11 +1,13 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <vector>
 
 #include <karvelui/CommonString.h>
 #include <karvelui/SkinReader.h>
 #include "SkinTestSupport.h"
+#include "platform/FileSystem.h"
 #include "support/TraceCapture.h"
 
 using namespace KarvelUI;
@@ -356,6 +358,43 @@ TEST_F(SkinDataTest, ChosenSkinIsSavedOnDestructionAndRestoredByTheNextRun) {
   CUISkinManager* next = Loaded();
   EXPECT_EQ(next->GetCurrentSkinName(), L"Blue");
   EXPECT_EQ(Css(L"ok")->m_nSize, 7);
+}
+
+// The program folder made read-only and the data folder redirected for one
+// test. Permissions do not stop root: then the hook reports the folder so.
+struct ReadOnlyProgramFolder {
+  ReadOnlyProgramFolder(const std::filesystem::path& native, const CString& path) : folder(native) {
+    if (const char* home = std::getenv("XDG_DATA_HOME")) oldHome = home;
+    setenv("XDG_DATA_HOME", data.Path().c_str(), 1);
+    std::filesystem::permissions(folder, std::filesystem::perms::owner_read | std::filesystem::perms::owner_exec);
+    if (IsFolderWritable(path)) SetFolderWritableHook([path](const CString& f) { return f != path; });
+  }
+  ~ReadOnlyProgramFolder() {
+    MakeWritable();
+    setenv("XDG_DATA_HOME", oldHome.c_str(), 1);
+  }
+  void MakeWritable() {
+    SetFolderWritableHook(nullptr);
+    std::filesystem::permissions(folder, std::filesystem::perms::owner_all);
+  }
+  KarvelTest::TempDir data;
+  std::filesystem::path folder;
+  std::string oldHome;
+};
+
+TEST_F(SkinDataTest, WithAReadOnlyProgramFolderTheChoiceIsKeptInTheDataFolderAndReadAfterTheProgramFolder) {
+  ReadOnlyProgramFolder readOnly(m_app.Path(), AppPath());
+  Loaded()->SetCurrentSkin(L"Blue");
+  CUISkinManager::FreeInstance();
+  EXPECT_FALSE(Exists("PreSkin.xml"));
+  EXPECT_EQ(KarvelTest::TempDir::Read(readOnly.data.Path() / "Orvane/Karvel/PreSkin.xml"),
+            "<PreSkin Name=\"Blue\" />\n");
+  EXPECT_EQ(Loaded()->GetCurrentSkinName(), L"Blue");
+  CUISkinManager::FreeInstance();
+
+  readOnly.MakeWritable();
+  Write("PreSkin.xml", "<PreSkin Name=\"Default\"/>");
+  EXPECT_EQ(Loaded()->GetCurrentSkinName(), L"Default");
 }
 
 TEST_F(SkinDataTest, PreviousChoiceNamingTheDefaultSkinInAnyCaseLoadsNoSecondSkin) {

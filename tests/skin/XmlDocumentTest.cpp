@@ -187,7 +187,6 @@ TEST(XmlDocumentTest, BadFilesFailToLoadAndLeaveNoTree) {
       {"truncated", "<UIRoot><css><CUIButton name=\"a"},
       {"unclosed", "<UIRoot><css></UIRoot>"},
       {"binary", std::string("\x89PNG\r\n\x1A\n\0\0\0\rIHDR", 16)},
-      {"only declaration", "<?xml version=\"1.0\"?>"},
       {"too deep", Nested(kMaxXmlElementDepth + 1)},
       {"far too deep", Nested(200000)},
       {"too many attributes", WithAttributes(kMaxXmlAttributes + 1)},
@@ -204,6 +203,19 @@ TEST(XmlDocumentTest, BadFilesFailToLoadAndLeaveNoTree) {
   EXPECT_FALSE(missing.IsLoaded());
   CXmlDocument folder(LibraryPath(dir.Path()));
   EXPECT_FALSE(folder.IsLoaded());
+}
+
+TEST(XmlDocumentTest, ADeclarationOrACommentAloneLoadsAsADocumentWithoutElements) {
+  for (const char* text : {"<?xml version=\"1.0\"?>", "<!-- no skin yet -->"}) {
+    SCOPED_TRACE(text);
+    LoadedXml xml(text);
+    EXPECT_TRUE(xml.Loaded());
+    EXPECT_EQ(xml.Node(L"UIRoot"), nullptr);
+    LoadedXml target("<BuildRoot/>");
+    EXPECT_EQ(target.Doc().Include(LibraryPath(xml.Dir().Path() / "doc.xml"), L"BuildRoot", 0), 0);  // no root
+    EXPECT_NE(xml.Doc().InsertEndChild(L"UIRoot"), nullptr);
+    EXPECT_NE(xml.Node(L"UIRoot"), nullptr);
+  }
 }
 
 TEST(XmlDocumentTest, NestingAndAttributesUpToTheLimitsLoad) {

@@ -17,8 +17,8 @@ using ShellOpenHook =
 // Installs a hook (an empty function removes it); returns the previous one.
 ShellOpenHook SetShellOpenHook(ShellOpenHook hook);
 
-// The design's browser program; asking for it opens the parameters (a URL)
-// in the desktop's web browser.
+// The browser program name callers use to open a URL; asking for it opens
+// the parameters (the URL) in the desktop's web browser.
 inline constexpr const wchar_t* kBrowserProgram = L"IEXPLORE.EXE";
 
 // Opens file (a URL, a document, or the browser program with a URL as
