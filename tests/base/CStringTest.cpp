@@ -26,7 +26,8 @@ TEST(CStringFormat, ConversionsFollowWindowsConventions) {
        L"-5000000000 18446744073709551615 -1 4294967295 1"},
       {Formatted(L"%d", 0x100000002LL), L"2"},  // the low 32 bits, not a misread stack
       {Formatted(L"%08X|%x|%-4d|%+d", 0xBEEFu, 255, 7, 3), L"0000BEEF|ff|7   |+3"},
-      {Formatted(L"%0.2fMB %0.1fKB %.3s %5s|%-5s|", 3.0f, 1.5, L"abcdef", L"ab", L"cd"), L"3.00MB 1.5KB abc    ab|cd   |"},
+      {Formatted(L"%0.2fMB %0.1fKB %.3s %5s|%-5s|", 3.0f, 1.5, L"abcdef", L"ab", L"cd"),
+       L"3.00MB 1.5KB abc    ab|cd   |"},
       {Formatted(L"%c%C%%", L'\u4e2d', 'A'), L"\u4e2dA%"},
       {Formatted(L"a%db%sc"), L"abc"},  // missing arguments are harmless
       {Formatted(L"%s", nothing), L"(null)"},

@@ -26,9 +26,9 @@ std::string Bmp(int width, int height, int bits, const std::vector<std::string>&
   std::string file(54, '\0');
   file[0] = 'B', file[1] = 'M';
   const std::pair<size_t, unsigned> fields[] = {
-      {2, offset + static_cast<unsigned>(pixels.size())}, {10, offset}, {14, infoSize}, {18, static_cast<unsigned>(width)},
-      {22, static_cast<unsigned>(height)}, {34, static_cast<unsigned>(pixels.size())}, {38, 2835}, {42, 2835},
-      {46, static_cast<unsigned>(palette.size() / 4)}};  // colours used
+      {2, offset + static_cast<unsigned>(pixels.size())}, {10, offset}, {14, infoSize},
+      {18, static_cast<unsigned>(width)}, {22, static_cast<unsigned>(height)}, {34, static_cast<unsigned>(pixels.size())},
+      {38, 2835}, {42, 2835}, {46, static_cast<unsigned>(palette.size() / 4)}};  // the last: colours used
   for (const auto& [at, value] : fields) PutLE32(file, at, value);
   PutLE16(file, 26, 1);
   PutLE16(file, 28, static_cast<unsigned>(bits));

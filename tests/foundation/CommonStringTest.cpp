@@ -58,10 +58,11 @@ TEST(StringTable, LinesCommentsEqualsEscapesAndMerging) {
 
 TEST(StringTable, MissingFileShowsTheMessageBox) {
   std::vector<std::wstring> boxes;
-  const MessageBoxHook previous = SetMessageBoxHook([&](HWND owner, const CString& text, const CString& caption, UINT type) {
-    boxes.push_back((owner ? L"owned " : L"") + caption.str() + L": " + text.str() + L" " + std::to_wstring(type));
-    return IDOK;
-  });
+  const MessageBoxHook previous =
+      SetMessageBoxHook([&](HWND owner, const CString& text, const CString& caption, UINT type) {
+        boxes.push_back((owner ? L"owned " : L"") + caption.str() + L": " + text.str() + L" " + std::to_wstring(type));
+        return IDOK;
+      });
   CommonString table;
   EXPECT_EQ(table.LoadStringTable(L"\\nowhere\\strings.txt"), 0);
   EXPECT_EQ(table.LoadStringTable(CString()), 0);

@@ -53,7 +53,8 @@ TEST(TraceLog, LineFormatLevelsNarrowTextAndTheLengthLimit) {
   ASSERT_TRUE(log->IsOpen());
   EXPECT_TRUE(log->Trace(TRACE_LEVEL_DROPPED, TRACE_FLUSH, L"dropped %d", 1));
   EXPECT_TRUE(log->Trace(1, TRACE_FLUSH, L"<ERROR> level one %d", 1));
-  EXPECT_TRUE(log->Trace(TRACE_LEVEL_ERROR, TRACE_NO_FLUSH, L"Create obj error:%s, type:%s\n", CString(L"btnOK"), L"Button"));
+  EXPECT_TRUE(
+      log->Trace(TRACE_LEVEL_ERROR, TRACE_NO_FLUSH, L"Create obj error:%s, type:%s\n", CString(L"btnOK"), L"Button"));
   EXPECT_TRUE(log->Trace(TRACE_LEVEL_DEVICE, TRACE_FLUSH, L"<ERROR> Decode Fail: %s", CString(L"\\pics\\\u5199.jpg")));
   log->Trace(TRACE_LEVEL_ERROR, TRACE_FLUSH, L"%s", CString(std::wstring(2000, L'x')));  // cut to 1023 characters
   log->Close();

@@ -35,7 +35,8 @@ TEST_P(LayoutTest, PlacesEveryChild) {
     root.RegisterControl(children.back());
   }
   root.RePositionSubControls();
-  for (size_t i = 0; i < children.size(); ++i) EXPECT_EQ(children[i]->GetBounds(), GetParam().children[i].expected) << i;
+  for (size_t i = 0; i < children.size(); ++i)
+    EXPECT_EQ(children[i]->GetBounds(), GetParam().children[i].expected) << i;
 }
 
 const CRect kNone;

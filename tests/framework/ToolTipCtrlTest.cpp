@@ -131,13 +131,15 @@ INSTANTIATE_TEST_SUITE_P(
         Script{"MovingWithinAToolKeepsTheDelayGoing",
                {{S::Move, 20, 20}, {S::Wait, 300}, {S::Move, 30, 25}, {S::Wait, 300, 0, L"Open"}}},
         Script{"AnotherToolRestartsTheDelay",
-               {{S::Move, 20, 20}, {S::Wait, 400}, {S::Move, 110, 20}, {S::Wait, 599, 0, L""}, {S::Wait, 1, 0, L"Save"}}},
+               {{S::Move, 20, 20}, {S::Wait, 400}, {S::Move, 110, 20}, {S::Wait, 599, 0, L""},
+                {S::Wait, 1, 0, L"Save"}}},
         Script{"FromAShownTipTheNextFollowsAfterTheReshowDelay",
                {{S::Move, 20, 20}, {S::Wait, 600, 0, L"Open"}, {S::Move, 110, 20, L""}, {S::Wait, 119, 0, L""},
                 {S::Wait, 1, 0, L"Save"}}},
         Script{"APressHidesUntilTheCursorEntersAnotherTool",
                {{S::Move, 20, 20}, {S::Wait, 300}, {S::Press, 20, 20}, {S::Wait, 1000, 0, L""}, {S::Move, 25, 22},
-                {S::Wait, 5000, 0, L""}, {S::Move, 110, 20}, {S::Wait, 600, 0, L"Save"}, {S::RightPress, 110, 20, L""}}},
+                {S::Wait, 5000, 0, L""}, {S::Move, 110, 20}, {S::Wait, 600, 0, L"Save"},
+                {S::RightPress, 110, 20, L""}}},
         Script{"AutoPopAfterTenTimesTheDelayThenTheToolStaysQuiet",
                {{S::Move, 20, 20}, {S::Wait, 600}, {S::Wait, 5999, 0, L"Open"}, {S::Wait, 1, 0, L""},
                 {S::Move, 22, 22}, {S::Wait, 10000, 0, L""}}},
@@ -151,7 +153,8 @@ INSTANTIATE_TEST_SUITE_P(
                {{S::Deactivate}, {S::Move, 20, 20}, {S::Wait, 1000, 0, L""}, {S::Activate}, {S::Move, 22, 22},
                 {S::Wait, 600, 0, L"Open"}, {S::Deactivate, 0, 0, L""}}},
         Script{"DeletingTheShownToolHidesItForGood",
-               {{S::Move, 20, 20}, {S::Wait, 600}, {S::Delete, 0, 0, L""}, {S::Move, 25, 25}, {S::Wait, 1000, 0, L""}}}),
+               {{S::Move, 20, 20}, {S::Wait, 600}, {S::Delete, 0, 0, L""}, {S::Move, 25, 25},
+                {S::Wait, 1000, 0, L""}}}),
     [](const ::testing::TestParamInfo<Script>& info) { return std::string(info.param.name); });
 
 // --- placement, tools and painting ---------------------------------------------------

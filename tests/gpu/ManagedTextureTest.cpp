@@ -1,6 +1,7 @@
 // Managed textures of the OpenGL device: the CPU copy written through
 // LockRect from any thread, uploaded by the drawing thread when drawn.
 
+#include <algorithm>
 #include <atomic>
 #include <thread>
 
@@ -27,8 +28,10 @@ void Fill(IDirect3DTexture9* texture, const RECT* area, DWORD value, bool unlock
   texture->GetLevelDesc(0, &desc);
   const RECT r = area ? *area : RECT(0, 0, desc.Width, desc.Height);
   for (int y = 0; y < r.Height(); ++y)
-    for (int x = 0; x < r.Width(); ++x) reinterpret_cast<DWORD*>(static_cast<BYTE*>(locked.pBits) + y * locked.Pitch)[x] = value;
-  if (unlock) ASSERT_EQ(texture->UnlockRect(0), S_OK);
+    std::fill_n(reinterpret_cast<DWORD*>(static_cast<BYTE*>(locked.pBits) + y * locked.Pitch), r.Width(), value);
+  if (unlock) {
+    ASSERT_EQ(texture->UnlockRect(0), S_OK);
+  }
 }
 
 }  // namespace

@@ -16,9 +16,10 @@ TEST(Sprite, WhiteDrawsTexelsUnchangedInEveryFormat) {
   // Distinct channels everywhere, so any swapped byte shows.
   auto texel = [](int x, int y) { return 0xFF000000u | (0x10u * x + 1) << 16 | (0x20u * y + 2) << 8 | 0x37u; };
   RefPtr<IDirect3DTexture9> argb = w.Texture(4, 2, texel);
-  RefPtr<IDirect3DTexture9> abgr = w.Texture(  // the same colours in R,G,B,A memory order
-      4, 2, [&](int x, int y) { return (texel(x, y) & 0xFF00FF00u) | (texel(x, y) & 0xFF) << 16 | (texel(x, y) >> 16 & 0xFF); },
-      D3DFMT_A8B8G8R8);
+  auto swapped = [&](int x, int y) {  // the same colours in R,G,B,A memory order
+    return (texel(x, y) & 0xFF00FF00u) | (texel(x, y) & 0xFF) << 16 | (texel(x, y) >> 16 & 0xFF);
+  };
+  RefPtr<IDirect3DTexture9> abgr = w.Texture(4, 2, swapped, D3DFMT_A8B8G8R8);
   // An opaque format ignores its alpha byte.
   RefPtr<IDirect3DTexture9> xrgb = w.Texture(2, 2, [](int, int) { return 0x00FF0000u; }, D3DFMT_X8R8G8B8);
   w.sprite->Begin(D3DXSPRITE_ALPHABLEND);

@@ -35,7 +35,8 @@ TEST_F(DesktopFixture, OpenCommandsNameTheDesktopBrowserAndTheUserListWins) {
                                    "x-scheme-handler/https=secure.desktop\n");
   m_dir.Write("data/applications/web.desktop", "[Desktop Entry]\nName=Web\nExec=/usr/bin/web --new %U %i\n");
   m_dir.Write("share/applications/sys.desktop", "[Desktop Entry]\nExec=sysweb %u\n");
-  m_dir.Write("share/applications/secure.desktop", "[Desktop Entry]\nExec=safe 100%% %u\n[Desktop Action x]\nExec=no\n");
+  m_dir.Write("share/applications/secure.desktop",
+              "[Desktop Entry]\nExec=safe 100%% %u\n[Desktop Action x]\nExec=no\n");
   // Keys compare without case; a missing desktop entry is skipped for the next.
   EXPECT_EQ(Read(RegistryRoot::ClassesRoot, L"HTTP\\Shell\\Open\\Command", L""), CString(L"/usr/bin/web --new \"%1\""));
   EXPECT_EQ(Read(RegistryRoot::ClassesRoot, L"https\\shell\\open\\command", L""), CString(L"safe 100% \"%1\""));

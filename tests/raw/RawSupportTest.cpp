@@ -191,7 +191,8 @@ TEST_F(RawTest, TheLibraryRefusesToWriteOverTheRawFileOrIntoAMissingFolder) {
   const auto extract =
       reinterpret_cast<int (*)(const wchar_t*, const wchar_t*)>(library.GetProcAddress("ExtrctRawImageFile"));
   ASSERT_NE(extract, nullptr);
-  for (const fs::path& refused : {fs::path(raw), m_photos.Path() / "." / "a.dng", m_photos.Path() / "missing" / "a.jpg"})
+  for (const fs::path& refused :
+       {fs::path(raw), m_photos.Path() / "." / "a.dng", m_photos.Path() / "missing" / "a.jpg"})
     EXPECT_NE(extract(raw.c_str(), refused.wstring().c_str()), 0) << refused;
   EXPECT_EQ(TempDir::Read(raw), dng);
   EXPECT_EQ(extract(raw.c_str(), (m_photos.Path() / "a.jpg").wstring().c_str()), 0);

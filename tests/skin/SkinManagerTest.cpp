@@ -282,7 +282,8 @@ TEST_F(SkinDataTest, TranslatePathResolvesTheThreePrefixes) {
       {L"@a\\b.png", 0, Path(L"Theme\\Default\\a\\b.png")},
       {L"btn.png", 0, Path(L"Theme\\Blue\\images\\btn.png")},
       {L"sub/btn.png", 1, Path(L"Theme\\Default\\images\\sub\\btn.png")}};
-  for (const auto& [path, fromDefault, expected] : paths) EXPECT_EQ(manager->TranslatePath(path, fromDefault), expected);
+  for (const auto& [path, fromDefault, expected] : paths)
+    EXPECT_EQ(manager->TranslatePath(path, fromDefault), expected);
   Write("Theme/Blue/images/sub/real.png", "png");  // the result names the file on disk
   EXPECT_TRUE(std::filesystem::exists(ToNativePath(manager->TranslatePath(L"sub\\real.png", 0))));
 }

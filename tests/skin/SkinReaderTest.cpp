@@ -49,7 +49,8 @@ TEST(SkinReaderTest, ValuesFollowTheScanFormats) {
   // Only true, false, t and f in any case; anything else is not found and leaves the output (7).
   using BoolCase = std::tuple<const wchar_t*, int, int>;
   for (const auto& [key, found, value] :
-       {BoolCase{L"a", 1, 1}, BoolCase{L"c", 1, 1}, BoolCase{L"d", 1, 0}, BoolCase{L"one", 0, 7}, BoolCase{L"word", 0, 7}})
+       {BoolCase{L"a", 1, 1}, BoolCase{L"c", 1, 1}, BoolCase{L"d", 1, 0}, BoolCase{L"one", 0, 7},
+        BoolCase{L"word", 0, 7}})
     EXPECT_EQ(ReadOnto(7, [&, key = key](int& out) { return r.GetBool(out, key); }), std::pair(found, value)) << key;
 
   // Lists need the comma right after each number: what the scan did not reach keeps its value.

@@ -299,7 +299,8 @@ FakeTexture* FakeTexture::From(IDirect3DTexture9* texture) { return dynamic_cast
 std::vector<DWORD> FakeTexture::Texels() const { return m_storage.CopyTexels(); }
 
 HRESULT FakeTexture::GetLevelDesc(UINT level, D3DSURFACE_DESC* desc) {
-  return Then(m_gpu->Enter(Call::GetLevelDesc, "GetLevelDesc " + Name()), [&] { return m_storage.GetLevelDesc(level, desc); });
+  return Then(m_gpu->Enter(Call::GetLevelDesc, "GetLevelDesc " + Name()),
+              [&] { return m_storage.GetLevelDesc(level, desc); });
 }
 
 HRESULT FakeTexture::LockRect(UINT level, D3DLOCKED_RECT* locked, const RECT* rect, DWORD flags) {

@@ -34,7 +34,8 @@ TEST(GlyphAtlas, GlyphsKeepABlankBorderAndNeverOverlap) {
     EXPECT_EQ(At(page, placed[a].right - 1, placed[a].bottom - 1), 100 + a);
     CRect grown = placed[a], overlap;
     grown.InflateRect(GlyphAtlas::kPadding, GlyphAtlas::kPadding);
-    for (size_t b = a + 1; b < placed.size(); ++b) EXPECT_FALSE(overlap.IntersectRect(grown, placed[b])) << a << "," << b;
+    for (size_t b = a + 1; b < placed.size(); ++b)
+      EXPECT_FALSE(overlap.IntersectRect(grown, placed[b])) << a << "," << b;
   }
 }
 
