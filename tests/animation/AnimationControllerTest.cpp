@@ -17,7 +17,7 @@ const Messages kFrame{kTick, {WM_PAINT, ANIMATION_TIMER_ID}};  // the paint carr
 
 // The controller of FakeForm() with its window.
 struct WindowedController {
-  TestClock clock;
+  ManualClock clock;
   ControllerPtr controller = NewController();
   FormWindow wnd{controller.get(), &clock};
   Log log;
@@ -28,17 +28,19 @@ struct WindowedController {
   }
 };
 
-// A board the test keeps (controllable), animating over ms.
+// A board the test keeps (controllable), its value the elapsed milliseconds.
 struct KeptBoard : LoggingBoard {
   KeptBoard(std::string name, Log* log, std::int64_t ms) : LoggingBoard(std::move(name), log) {
     SetIsControllable(1);
-    Animate(0.0, ms, ms);  // value = elapsed milliseconds
+    Animate(0.0, ms, ms);
   }
 };
 
-}  // namespace
+LoggingBoard* HandedBoard(const char* name, Log* log, int* destroyed, std::int64_t ms) {
+  return &(new LoggingBoard(name, log, destroyed))->Animate(0.0, 1.0, ms);
+}
 
-// --- timer and paint cycle ---------------------------------------------------------------
+}  // namespace
 
 TEST(AnimationControllerTimer, FramesEvery20MsAndRearmsForTheRestOfTheSlot) {
   WindowedController f;
@@ -62,17 +64,16 @@ TEST(AnimationControllerTimer, FramesEvery20MsAndRearmsForTheRestOfTheSlot) {
 
 TEST(AnimationControllerTimer, LastBoardLeavesInItsTickAndOneMorePaintIdlesTheTimer) {
   WindowedController f;
-  auto* board = new LoggingBoard("b", &f.log);
+  auto* board = HandedBoard("b", &f.log, nullptr, 40);
   unsigned listedDuringCallback = 0;
   board->onCompleted = [&] { listedDuringCallback = f.controller->GetBoardCount(); };
-  board->Animate(0.0, 1.0, 40).Begin(FakeForm(), 1);
+  board->Begin(FakeForm(), 1);
   EXPECT_EQ(f.After(20), kFrame);
   EXPECT_EQ(f.After(20), kFrame);  // completes; its last frame is still painted
   EXPECT_EQ(listedDuringCallback, 1u);
   EXPECT_EQ(f.controller->GetBoardCount(), 0u);
   EXPECT_EQ(f.controller->GetTimerRunning(), 0);
   EXPECT_EQ(f.After(200), kNothing);
-
   KeptBoard next("next", &f.log, 100);
   next.Begin(FakeForm(), 1);
   EXPECT_EQ(f.After(19), kNothing);
@@ -85,7 +86,6 @@ TEST(AnimationControllerTimer, BoardsWithoutTheTimerWaitAndBeginMovesABoardToThe
   quiet.Begin(FakeForm(), 0);
   EXPECT_EQ(f.After(100), kNothing);
   EXPECT_EQ(quiet.value, 0.0);
-
   loud.Begin(FakeForm(), 1);
   quiet.Begin(FakeForm(), 0);  // restarted and moved behind loud
   loud.Begin(FakeForm(), 1);   // moved behind quiet, still listed once
@@ -95,83 +95,62 @@ TEST(AnimationControllerTimer, BoardsWithoutTheTimerWaitAndBeginMovesABoardToThe
   EXPECT_DOUBLE_EQ(quiet.value, 20.0);
 }
 
-// --- ownership -----------------------------------------------------------------------------
-
-TEST(AnimationControllerOwnership, ControllableBoardsAreNeverDeletedOthersAreReleased) {
-  TestClock clock;
+TEST(AnimationControllerOwnership, ControllableBoardsAreNeverDeletedOthersAreReleasedOnce) {
+  ManualClock clock;
   Log log;
   int keptDestroyed = 0, handedDestroyed = 0;
   LoggingBoard kept("kept", &log, &keptDestroyed);
   kept.SetIsControllable(1);
   kept.Animate(0.0, 1.0, 40);
-  auto handOver = [&] { (new LoggingBoard("handed", &log, &handedDestroyed))->Animate(0.0, 1.0, 40).Begin(FakeForm(), 1); };
   {
+    ControllerPtr other = NewController(1);
     ControllerPtr controller = NewController();
     kept.Begin(FakeForm(), 1);
-    handOver();
+    HandedBoard("handed", &log, &handedDestroyed, 40)->Begin(FakeForm(), 1);
+    EXPECT_EQ(other->GetBoardCount(), 0u);  // each board reaches only its own form's controller
     clock.Advance(40);
     controller->OnTimer(FakeForm());  // both complete
     EXPECT_EQ(handedDestroyed, 1);
     EXPECT_EQ(controller->GetBoardCount(), 0u);
-
+    LoggingBoard* stopped = HandedBoard("stopped", &log, &handedDestroyed, 40);
+    stopped->Begin(FakeForm(), 1);
+    stopped->Stop(FakeForm());
+    EXPECT_EQ(handedDestroyed, 2);  // at once, outside a tick
     kept.Begin(FakeForm(), 1);
     kept.Stop(FakeForm());
+    controller->Begin(&kept, 0);  // listed again, its state still stopped
+    kept.Stop(FakeForm());        // already stopped: the controller is not asked
+    EXPECT_EQ(controller->GetBoardCount(), 1u);
+    controller->OnTimer(FakeForm());  // a stopped board leaves without a frame
+    EXPECT_EQ(controller->GetBoardCount(), 0u);
+    {
+      KeptBoard member("member", &log, 100);  // destroyed while listed
+      member.Begin(FakeForm(), 1);
+    }
     EXPECT_EQ(controller->GetBoardCount(), 0u);
     kept.Begin(FakeForm(), 1);
-    handOver();
+    HandedBoard("handed", &log, &handedDestroyed, 40)->Begin(FakeForm(), 1);
   }  // the controller goes with both listed
-  EXPECT_EQ(handedDestroyed, 2);
+  EXPECT_EQ(handedDestroyed, 3);
   EXPECT_EQ(keptDestroyed, 0);
+  EXPECT_EQ(log, (Log{"kept:completed", "kept:changed", "handed:completed", "handed:changed"}));
 }
-
-TEST(AnimationControllerOwnership, StopsReachOnlyTheBoardsOwnControllerAndOnlyOnce) {
-  TestClock clock;
-  Log log;
-  int destroyed = 0;
-  ControllerPtr other = NewController(1);
-  ControllerPtr controller = NewController();
-  auto* handed = new LoggingBoard("handed", &log, &destroyed);
-  handed->Animate(0.0, 1.0, 40).Begin(FakeForm(), 1);
-  EXPECT_EQ(other->GetBoardCount(), 0u);
-  handed->Stop(FakeForm());
-  EXPECT_EQ(destroyed, 1);  // at once, outside a tick
-
-  KeptBoard kept("kept", &log, 100);
-  kept.Begin(FakeForm(), 1);
-  kept.Stop(FakeForm());
-  controller->Begin(&kept, 0);  // listed again, its state still stopped
-  kept.Stop(FakeForm());        // already stopped: the controller is not asked
-  EXPECT_EQ(controller->GetBoardCount(), 1u);
-  controller->OnTimer(FakeForm());  // a stopped board leaves without a frame
-  EXPECT_EQ(controller->GetBoardCount(), 0u);
-  {
-    KeptBoard member("member", &log, 100);  // destroyed while listed
-    member.Begin(FakeForm(), 1);
-  }
-  EXPECT_EQ(controller->GetBoardCount(), 0u);
-  EXPECT_TRUE(log.empty());
-}
-
-// --- callbacks run under the lock ------------------------------------------------------------
 
 TEST(AnimationControllerCallbacks, CallbacksMayBeginAndStopBoards) {
-  TestClock clock;
+  ManualClock clock;
   Log log;
   int destroyed = 0;
   ControllerPtr controller = NewController();
-  auto* first = &(new LoggingBoard("first", &log, &destroyed))->Animate(0.0, 1.0, 20);
-  auto* victim = &(new LoggingBoard("victim", &log, &destroyed))->Animate(0.0, 1.0, 100);
-  auto* self = &(new LoggingBoard("self", &log, &destroyed))->Animate(0.0, 1.0, 20);
+  LoggingBoard* first = HandedBoard("first", &log, &destroyed, 20);
+  LoggingBoard* victim = HandedBoard("victim", &log, &destroyed, 100);
+  LoggingBoard* self = HandedBoard("self", &log, &destroyed, 20);
   LoggingBoard* late = nullptr;
   first->onCompleted = [&] {
     victim->Stop(FakeForm());  // listed after `first`: never gets this tick's frame
-    late = new LoggingBoard("late", &log, &destroyed);
-    late->Animate(0.0, 1.0, 100).Begin(FakeForm(), 1);
+    (late = HandedBoard("late", &log, &destroyed, 100))->Begin(FakeForm(), 1);
   };
-  // Takes itself off while its own frame is still running.
-  self->onCompleted = [&] { controller->Stop(self); };
+  self->onCompleted = [&] { controller->Stop(self); };  // takes itself off during its own frame
   for (LoggingBoard* board : {first, victim, self}) board->Begin(FakeForm(), 1);
-
   clock.Advance(20);
   controller->OnTimer(FakeForm());
   EXPECT_EQ(log, (Log{"first:completed", "first:changed", "self:completed", "self:changed"}));
@@ -182,14 +161,10 @@ TEST(AnimationControllerCallbacks, CallbacksMayBeginAndStopBoards) {
   EXPECT_EQ(log.back(), "late:changed");
 }
 
-// --- other threads -----------------------------------------------------------------------------
-
 TEST(AnimationControllerThreads, ABoardBegunOnAnotherThreadTicksAtOnce) {
   WindowedController f;
   int destroyed = 0;
-  std::thread([&] {
-    (new LoggingBoard("worker", &f.log, &destroyed))->Animate(0.0, 10.0, 40).Begin(FakeForm(), 1);
-  }).join();
+  std::thread([&] { HandedBoard("worker", &f.log, &destroyed, 40)->Begin(FakeForm(), 1); }).join();
   EXPECT_EQ(f.controller->GetTimerRunning(), 1);
   // The window's timer cannot be armed from there: the first tick is posted instead.
   EXPECT_EQ(f.wnd.Pump(), kFrame);
@@ -210,24 +185,22 @@ TEST(AnimationControllerThreads, BoardsBegunAndStoppedWhileTicksRun) {
     // Keeps going until the window's thread has ticked a good number of times meanwhile.
     for (int i = 0; i < 3000 || (ticks < 50 && i < 10000000); ++i) {
       LoggingBoard& board = restarted[i % 3];
-      // The library's restart sequence: stop, retarget, begin.
-      board.Stop(FakeForm());
+      board.Stop(FakeForm());  // the library's restart sequence: stop, retarget, begin
       board.Animate(0.0, 30.0, 30);
       board.Begin(FakeForm(), 1);
       if (i % 10 == 0) {
-        (new LoggingBoard("handed", &f.log, &destroyed))->Animate(0.0, 1.0, 30).Begin(FakeForm(), i % 20 == 0);
+        HandedBoard("handed", &f.log, &destroyed, 30)->Begin(FakeForm(), i % 20 == 0);
         ++handedOver;
       }
     }
     done = true;
   });
-  while (!done) {
+  while (!done)
     for (const FormWindow::Received& message : f.After(5)) ticks += message == kTick ? 1 : 0;
-  }
   worker.join();
   // A board handed over without the timer just after the window's thread
   // finished every other board waits for the next board that starts the
-  // timer (only Begin with startTimer arms it): start one.
+  // timer: start one.
   restarted[0].Begin(FakeForm(), 1);
   for (int i = 0; i < 100 && (f.controller->GetBoardCount() || f.controller->GetTimerRunning()); ++i) f.After(20);
   EXPECT_EQ(f.controller->GetBoardCount(), 0u);

@@ -1,13 +1,9 @@
 #pragma once
 
-// Shared pieces of the animation tests: one hand-driven clock behind both the
-// performance counter (board time) and the message clock (window timers),
-// stand-in forms, a board that logs its callbacks and destruction, and a
-// window that routes timer 14401 and marked paints the way a form does.
+// Shared pieces of the animation tests: stand-in forms, a board that logs
+// its callbacks and destruction, and a window that routes the animation
+// timer and marked paints the way a form does. Time runs on ManualClock.
 
-#include <gtest/gtest.h>
-
-#include <atomic>
 #include <functional>
 #include <memory>
 #include <string>
@@ -15,46 +11,19 @@
 
 #include <karvelui/AnimationController.h>
 #include <karvelui/WinConstants.h>
-#include "platform/Clock.h"
-#include <karvelui/MessageQueue.h>
-#include <karvelui/Wnd.h>
+#include "support/WindowTesting.h"
 
 namespace KarvelTest {
 
-using namespace KarvelUI;
 using Log = std::vector<std::string>;
-
-constexpr LONGLONG kTicksPerMs = kPerformanceFrequency / 1000;
-
-class TestClock : public IMessageClock {
- public:
-  TestClock() : m_previous(SetMessageClock(this)) { SetPerformanceCounterHook([this] { return m_ticks.load(); }); }
-  ~TestClock() override {
-    SetPerformanceCounterHook(nullptr);
-    SetMessageClock(m_previous);
-  }
-  std::uint64_t NowMs() const override { return static_cast<std::uint64_t>(m_ticks.load() / kTicksPerMs); }
-  void Advance(std::int64_t ms) { m_ticks += ms * kTicksPerMs; }
-  void AdvanceTicks(std::int64_t ticks) { m_ticks += ticks; }
-
- private:
-  std::atomic<LONGLONG> m_ticks{100000 * kTicksPerMs};
-  IMessageClock* m_previous;
-};
 
 // The animation layer only passes forms around; it never enters one. Each
 // stand-in form owns at most one controller, found through the resolver the
 // form layer would install.
-inline char g_fakeForms[4];
-inline AnimationController* g_fakeFormControllers[4];
+inline char g_fakeForms[2];
+inline AnimationController* g_fakeFormControllers[2];
 
 inline CUIForm* FakeForm(int index = 0) { return reinterpret_cast<CUIForm*>(&g_fakeForms[index]); }
-
-inline AnimationController* FakeFormController(CUIForm* form) {
-  for (int i = 0; i < 4; ++i)
-    if (form == FakeForm(i)) return g_fakeFormControllers[i];
-  return nullptr;
-}
 
 struct ControllerRelease {
   void operator()(AnimationController* controller) const {
@@ -67,10 +36,10 @@ using ControllerPtr = std::unique_ptr<AnimationController, ControllerRelease>;
 
 // A controller owned by stand-in form `index`.
 inline ControllerPtr NewController(int index = 0) {
-  AnimationController::SetFormResolver(&FakeFormController);
-  auto* controller = new AnimationController(FakeForm(index));
-  g_fakeFormControllers[index] = controller;
-  return ControllerPtr(controller);
+  AnimationController::SetFormResolver([](CUIForm* form) {
+    return form == FakeForm(0) ? g_fakeFormControllers[0] : form == FakeForm(1) ? g_fakeFormControllers[1] : nullptr;
+  });
+  return ControllerPtr(g_fakeFormControllers[index] = new AnimationController(FakeForm(index)));
 }
 
 // Logs "<name>:completed" / "<name>:changed" and counts its destructions.
@@ -113,17 +82,14 @@ class LoggingBoard : public AnimationBoard {
   int* m_destroyed;
 };
 
-// Sends timer 14401 to OnTimer and, after painting a paint marked 14401,
-// calls AfterRefresh, as a form does. Painting costs paintCostMs.
+// Sends the animation timer to OnTimer and, after painting a paint marked
+// with its id, calls AfterRefresh, as a form does. Painting costs paintCostMs.
 class FormWindow : public CWnd {
  public:
   using Received = std::pair<UINT, WPARAM>;  // timer and paint messages, with their wParam
 
-  FormWindow(AnimationController* controller, TestClock* clock) : m_controller(controller), m_clock(clock) {
-    WNDCLASSW cls;
-    cls.lpszClassName = L"KarvelAnimationTestForm";
-    AfxRegisterClass(&cls);
-    CreateEx(0, cls.lpszClassName, L"form", WS_POPUP, CRect(0, 0, 64, 64), nullptr, 0);
+  FormWindow(AnimationController* controller, ManualClock* clock) : m_controller(controller), m_clock(clock) {
+    MakeWindow(*this, CRect(0, 0, 64, 64));
     controller->SetWnd(m_hWnd);
   }
 
@@ -153,7 +119,7 @@ class FormWindow : public CWnd {
 
  private:
   AnimationController* m_controller;
-  TestClock* m_clock;
+  ManualClock* m_clock;
   std::vector<Received> m_seen;
 };
 

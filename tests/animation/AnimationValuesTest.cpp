@@ -9,39 +9,36 @@ using namespace KarvelUI;
 namespace {
 
 template <typename Field>
-Field Written(TARGET_TYPE type, double value) {
+double WrittenAndRead(TARGET_TYPE type, double value) {
   Field field{};
-  AnimationTarget(&field, type).SetValue(value);
-  return field;
-}
-
-template <typename Field>
-double Read(TARGET_TYPE type, Field field) {
-  return AnimationTarget(&field, type).GetValue();
+  AnimationTarget target(&field, type);
+  target.SetValue(value);
+  return target.GetValue();
 }
 
 }  // namespace
 
-TEST(AnimationTarget, IntegersAddAHalfTruncateTowardZeroAndKeepTheirLowBits) {
-  EXPECT_EQ(Written<std::uint8_t>(TARGET_BYTE, 255.4), 255);
-  EXPECT_EQ(Written<std::uint8_t>(TARGET_BYTE, 255.6), 0);   // 256 wraps, no clamping
-  EXPECT_EQ(Written<std::uint8_t>(TARGET_BYTE, -1.7), 255);  // trunc(-1.2) = -1
-  EXPECT_EQ(Written<std::uint8_t>(TARGET_BYTE, -0.7), 0);
-  EXPECT_EQ(Written<std::int32_t>(TARGET_INT, 2.5), 3);
-  EXPECT_EQ(Written<std::int32_t>(TARGET_INT, -2.5), -2);
-  EXPECT_EQ(Written<std::int32_t>(TARGET_INT, -2.7), -2);
-  EXPECT_EQ(Written<std::uint32_t>(TARGET_UINT, 4294967296.0), 0u);
-  EXPECT_EQ(Written<std::uint32_t>(TARGET_UINT, -1.7), 4294967295u);
-  EXPECT_EQ(Read<std::uint8_t>(TARGET_BYTE, 200), 200.0);  // reads keep each field's sign
-  EXPECT_EQ(Read<std::uint32_t>(TARGET_UINT, Written<std::uint32_t>(TARGET_UINT, 4294967295.0)), 4294967295.0);
-}
-
-TEST(AnimationTarget, FloatingFieldsTakeNoHalfAndUnknownTypesAreLeftAlone) {
-  EXPECT_EQ(Read<float>(TARGET_FLOAT, Written<float>(TARGET_FLOAT, 0.1)), static_cast<double>(0.1f));
-  EXPECT_EQ(Written<float>(TARGET_FLOAT, 2.75), 2.75f);
-  EXPECT_EQ(Written<double>(TARGET_DOUBLE, 0.1), 0.1);
+TEST(AnimationTarget, IntegersAddAHalfTruncateTowardZeroAndKeepTheirLowBitsFloatsTakeNoHalf) {
+  const struct {
+    TARGET_TYPE type;
+    double value, stored;
+  } cases[] = {
+      {TARGET_BYTE, 255.4, 255},       {TARGET_BYTE, 255.6, 0},  // 256 wraps, no clamping
+      {TARGET_BYTE, -1.7, 255},        {TARGET_BYTE, -0.7, 0},   // trunc(-1.2) = -1
+      {TARGET_INT, 2.5, 3},            {TARGET_INT, -2.5, -2},          {TARGET_INT, -2.7, -2},
+      {TARGET_UINT, 4294967296.0, 0},  {TARGET_UINT, -1.7, 4294967295.0},  // reads keep each field's sign
+      {TARGET_FLOAT, 0.1, 0.1f},       {TARGET_FLOAT, 2.75, 2.75},      {TARGET_DOUBLE, 0.1, 0.1},
+  };
+  for (const auto& c : cases) {
+    const double read = c.type == TARGET_BYTE    ? WrittenAndRead<std::uint8_t>(c.type, c.value)
+                        : c.type == TARGET_INT   ? WrittenAndRead<std::int32_t>(c.type, c.value)
+                        : c.type == TARGET_UINT  ? WrittenAndRead<std::uint32_t>(c.type, c.value)
+                        : c.type == TARGET_FLOAT ? WrittenAndRead<float>(c.type, c.value)
+                                                 : WrittenAndRead<double>(c.type, c.value);
+    EXPECT_EQ(read, c.stored) << c.type << " " << c.value;
+  }
   std::int32_t field = 77;
-  AnimationTarget unknown(&field, static_cast<TARGET_TYPE>(9));
+  AnimationTarget unknown(&field, static_cast<TARGET_TYPE>(9));  // unknown types are left alone
   unknown.SetValue(3.0);
   EXPECT_EQ(field, 77);
   EXPECT_EQ(unknown.GetValue(), 0.0);
@@ -60,7 +57,6 @@ TEST(AnimationBoardTargets, SetTargetWalksFieldsByWidthAndResetsEveryRange) {
   EXPECT_EQ(board.GetTarget(1)->GetTarget(), &fields.size[1]);
   board.SetTarget(fields.position, 2, TARGET_DOUBLE);
   EXPECT_EQ(board.GetTarget(1)->GetTarget(), &fields.position[1]);
-
   board.SetRange(AnimationRange(1.0, 2.0, 3.0), 1);
   board.SetRange(AnimationRange(9.0, 9.0, 9.0), 2);  // one past the last: ignored
   EXPECT_EQ(board.GetRange(1)->to, 2.0);

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "dxcore/FakeCoreFixture.h"
+#include "support/FakeCore.h"
 #include "platform/Paths.h"
 #include "render/PictureDecoder.h"
 #include "support/PictureFiles.h"

@@ -27,7 +27,6 @@ TEST_F(CacheTest, AWorkerDecodesWhileTheDrawingThreadUploadsAndDraws) {
 
   // Frames until the worker is done: each draws the pictures decoded so far.
   const CRect dest(0, 0, 20, 20);
-  int frames = 0;
   bool done = false;
   while (!done) {
     done = decoded.load();
@@ -40,10 +39,8 @@ TEST_F(CacheTest, AWorkerDecodesWhileTheDrawingThreadUploadsAndDraws) {
       }
     }
     ASSERT_EQ(core.EndPaint(), S_OK);
-    ++frames;
   }
   worker.join();
-  EXPECT_GE(frames, 1);
 
   // Whatever the drawing thread has not uploaded yet comes from the decoded
   // pictures: the files are gone.

@@ -1,7 +1,7 @@
 // Device creation: the four attempts with their fallbacks and trace lines,
 // the caps line, the sprite, and the failures before any attempt.
 
-#include "dxcore/FakeCoreFixture.h"
+#include "support/FakeCore.h"
 
 using namespace KarvelUI;
 using namespace KarvelTest;
@@ -23,15 +23,6 @@ TEST_F(FakeCoreTest, FirstAttemptAsksForTwoBackBuffersImmediatePresentation) {
   EXPECT_NE(core.GetD3DDevice(), nullptr);
   EXPECT_NE(core.GetD3DXSprite(), nullptr);
   EXPECT_EQ(core.GetD3DPresentParameters().BackBufferWidth, 640u);  // as the device reports it
-}
-
-TEST_F(FakeCoreTest, RefusedDoubleBufferingIsFollowedBySingleBuffering) {
-  gpu->FailNext(fake::Call::CreateDevice, D3DERR_NOTAVAILABLE);
-  ASSERT_EQ(core._InitD3D(), S_OK);
-  EXPECT_THAT(CallsStartingWith("CreateDevice"),
-              ElementsAre("CreateDevice count=2 format=21 swap=1 interval=0x80000000 size=0x0 flags=0x24 -> 0x8876086A",
-                          "CreateDevice count=1 format=21 swap=1 interval=0x80000000 size=0x0 flags=0x24"));
-  EXPECT_THAT(Traced(), ElementsAre(L"3 fail try Double Buffer: -2005530518", L"3 try single buffer", kCapsLine));
 }
 
 TEST_F(FakeCoreTest, FourRefusalsReturnTheLastResultAndLeaveNoDevice) {

@@ -1,11 +1,12 @@
-// Drawing on the double: the colour and opacity rule, the transform, text
-// rectangles and the font cache, and cached pictures drawn tile by tile.
+// Drawing on the double: the colour and opacity rule, text rectangles and the
+// font cache, and cached pictures drawn tile by tile (the pieces joining,
+// turning as one).
 
 #include <cmath>
 #include <limits>
 
 #include <karvelui/WinConstants.h>
-#include "dxcore/FakeCoreFixture.h"
+#include "support/FakeCore.h"
 
 using namespace KarvelUI;
 using namespace KarvelTest;
@@ -88,25 +89,6 @@ TEST_F(FakeDrawTest, AFailedDrawIsTracedAndReturned) {
   const D3DXVECTOR3 at{};
   EXPECT_EQ(core.DrawImage(texture.Get(), nullptr, nullptr, &at, 0xFFFFFFFF), D3DERR_INVALIDCALL);
   EXPECT_THAT(Traced(), ElementsAre(L"4 <D3DERROR> Draw image fail: -2005530516"));
-}
-
-TEST_F(FakeDrawTest, TransformScalesAboutItsCentreThenTurnsAndTranslates) {
-  const D3DXVECTOR2 scalingCentre{10, 10}, scaling{2, 2}, rotationCentre{0, 0}, translation{1, 1};
-  ASSERT_EQ(core.SetTransform(&scalingCentre, &scaling, &rotationCentre, static_cast<float>(M_PI / 2), &translation),
-            S_OK);
-  const RECT source(0, 0, 2, 1);
-  const D3DXVECTOR3 at{12, 11, 0};
-  ASSERT_EQ(core.DrawImage(texture.Get(), &source, nullptr, &at, 0xFFFFFFFF), S_OK);
-  const SpriteQuad quad = gpu->Draws().back().quad;
-  // (12, 11) -> (14, 12) scaled -> (-12, 14) turned clockwise -> (-11, 15).
-  ExpectCorner(quad.corners[0], -11, 15);
-  // (14, 11) -> (18, 12) -> (-12, 18) -> (-11, 19): x runs down the screen.
-  ExpectCorner(quad.corners[1], -11, 19);
-
-  // Null vectors and no rotation: the identity.
-  ASSERT_EQ(core.SetTransform(nullptr, nullptr, nullptr, 0, nullptr), S_OK);
-  ASSERT_EQ(core.DrawImage(texture.Get(), &source, nullptr, &at, 0xFFFFFFFF), S_OK);
-  ExpectCorner(gpu->Draws().back().quad.corners[0], 12, 11);
 }
 
 TEST_F(FakeDrawTest, TextGoesIntoTheRectangleTopBeforeLeftWithTheFontCached) {

@@ -1,7 +1,7 @@
 // Frames and resets: BeginPaint/EndPaint with their failures, the lost
 // device at present, the reset fallbacks and painting after a failed reset.
 
-#include "dxcore/FakeCoreFixture.h"
+#include "support/FakeCore.h"
 
 using namespace KarvelUI;
 using namespace KarvelTest;

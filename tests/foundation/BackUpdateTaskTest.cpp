@@ -1,3 +1,7 @@
+// The background worker protocol: begin, reset and kill from any state,
+// with a worker whose every unit waits for a permit from the test, so the
+// test decides where the worker is (no sleeps, no timing assumptions).
+
 #include <gtest/gtest.h>
 
 #include <atomic>
@@ -12,7 +16,7 @@ using namespace KarvelUI;
 
 namespace {
 
-// Waits (without assuming any speed) until pred holds; fails after a minute.
+// Waits until pred holds; fails after a minute.
 template <class Pred>
 bool WaitUntil(Pred pred) {
   const auto deadline = std::chrono::steady_clock::now() + std::chrono::minutes(1);
@@ -23,17 +27,10 @@ bool WaitUntil(Pred pred) {
   return true;
 }
 
-// A worker whose passes have `units` units; every unit waits for a permit
-// from the test, so the test decides where the worker is.
+// Passes of two units; every unit waits for a permit.
 class GatedTask : public BackUpdateTask {
  public:
-  explicit GatedTask(int units) : m_units(units) {}
-
-  void OnCreate() override {
-    ++onCreateCalls;
-    m_pThreadFunc = &GatedTask::ThreadMain;
-  }
-
+  void OnCreate() override { m_pThreadFunc = [](void* task) { static_cast<GatedTask*>(task)->Run(); }; }
   void Permit(int count = 1) {
     {
       std::lock_guard<std::mutex> lock(m_mutex);
@@ -41,54 +38,40 @@ class GatedTask : public BackUpdateTask {
     }
     m_changed.notify_all();
   }
-
-  std::atomic<int> onCreateCalls{0};
-  std::atomic<int> threadsStarted{0};
-  std::atomic<int> threadsEnded{0};
-  std::atomic<int> passes{0};
-  std::atomic<int> unitsEntered{0};
-  std::atomic<int> unitsDone{0};
-
   ~GatedTask() override { KillUpdateTask(this); }
 
- private:
-  static void ThreadMain(void* task) { static_cast<GatedTask*>(task)->Run(); }
+  std::atomic<int> threadsStarted{0}, threadsEnded{0}, passes{0}, unitsEntered{0}, unitsDone{0};
 
+ private:
   void Run() {
     ++threadsStarted;
     RunWorkerLoop([this] { return Pass(); });
     ++threadsEnded;
   }
-
   PassEnd Pass() {
     ++passes;
-    for (int i = 0; i < m_units; ++i) {
+    for (int i = 0; i < 2; ++i) {
       ++unitsEntered;
-      TakePermit();
+      {
+        std::unique_lock<std::mutex> lock(m_mutex);
+        m_changed.wait(lock, [this] { return m_permits > 0; });
+        --m_permits;
+      }
       switch (CheckBetweenUnits()) {
         case UnitCheck::Restart: return PassEnd::Restart;
         case UnitCheck::Exit: return PassEnd::Exit;
-        case UnitCheck::Continue: break;
+        case UnitCheck::Continue: ++unitsDone;
       }
-      ++unitsDone;
     }
     return PassEnd::Completed;
   }
-
-  void TakePermit() {
-    std::unique_lock<std::mutex> lock(m_mutex);
-    m_changed.wait(lock, [this] { return m_permits > 0; });
-    --m_permits;
-  }
-
-  const int m_units;
   std::mutex m_mutex;
   std::condition_variable m_changed;
   int m_permits = 0;
 };
 
 struct TaskFixture : ::testing::Test {
-  GatedTask* task = new GatedTask(2);
+  GatedTask* task = new GatedTask();
   int owner = 0;
   void SetUp() override { ASSERT_EQ(BackUpdateTask::CreateTask(task, &owner), task); }
   void TearDown() override {
@@ -96,58 +79,50 @@ struct TaskFixture : ::testing::Test {
     task->Release();
   }
   bool StateIs(int state) { return WaitUntil([&] { return task->GetState() == state; }); }
+  bool Entered(int units) { return WaitUntil([&] { return task->unitsEntered == units; }); }
 };
 
 }  // namespace
 
-TEST(BackUpdateTask, FreshTaskAndNullOwner) {
-  GatedTask* orphan = new GatedTask(1);
+TEST(BackUpdateTask, WithoutOwnerOrThreadFunctionNothingStarts) {
+  GatedTask* orphan = new GatedTask();
   EXPECT_EQ(BackUpdateTask::CreateTask(orphan, nullptr), nullptr);
-  EXPECT_EQ(orphan->onCreateCalls.load(), 0);
-  EXPECT_EQ(orphan->GetOwner(), nullptr);
   EXPECT_EQ(BackUpdateTask::ResetUpdateTask(orphan), 0);
-  EXPECT_EQ(orphan->GetState(), TASK_STATE_NONE);
   BackUpdateTask::KillUpdateTask(orphan);  // never begun: returns at once
-  // Without a thread function there is nothing to start.
-  EXPECT_EQ(BackUpdateTask::BeginUpdateTask(orphan), 0);
+  EXPECT_EQ(BackUpdateTask::BeginUpdateTask(orphan), 0);  // OnCreate never ran: no thread function
   EXPECT_EQ(orphan->GetState(), TASK_STATE_NONE);
   orphan->Release();
 }
 
-TEST_F(TaskFixture, BeginStartsOneWorkerThatWaitsBetweenPasses) {
-  EXPECT_EQ(task->onCreateCalls.load(), 1);
+TEST_F(TaskFixture, BeginStartsOneWorkerThatWaitsBetweenPassesAndWakesForTheNext) {
   EXPECT_EQ(task->GetOwner(), &owner);
   EXPECT_EQ(BackUpdateTask::BeginUpdateTask(task), 1);
-  ASSERT_TRUE(WaitUntil([&] { return task->unitsEntered == 1; }));
+  ASSERT_TRUE(Entered(1));
   EXPECT_EQ(task->GetState(), TASK_STATE_WORKING);
   EXPECT_EQ(BackUpdateTask::BeginUpdateTask(task), 1);  // already working
   task->Permit(2);
   ASSERT_TRUE(StateIs(TASK_STATE_WAITING));
-  EXPECT_EQ(task->passes.load(), 1);
   EXPECT_EQ(task->unitsDone.load(), 2);
-
   EXPECT_EQ(BackUpdateTask::BeginUpdateTask(task), 1);  // wakes the same thread
-  ASSERT_TRUE(WaitUntil([&] { return task->unitsEntered == 3; }));
+  ASSERT_TRUE(Entered(3));
   EXPECT_EQ(task->passes.load(), 2);
   EXPECT_EQ(task->threadsStarted.load(), 1);
 }
 
 TEST_F(TaskFixture, ResetRestartsARunningPassAndWakesAWaitingOne) {
   ASSERT_EQ(BackUpdateTask::BeginUpdateTask(task), 1);
-  ASSERT_TRUE(WaitUntil([&] { return task->unitsEntered == 1; }));
+  ASSERT_TRUE(Entered(1));
   EXPECT_EQ(BackUpdateTask::ResetUpdateTask(task), 1);
   EXPECT_EQ(task->GetState(), TASK_STATE_RESTART);
   EXPECT_EQ(BackUpdateTask::ResetUpdateTask(task), 1);  // already asked
   task->Permit();  // the unit ends, sees the restart, starts over
-  ASSERT_TRUE(WaitUntil([&] { return task->unitsEntered == 2; }));
+  ASSERT_TRUE(Entered(2));
   EXPECT_EQ(task->passes.load(), 2);
   EXPECT_EQ(task->unitsDone.load(), 0);
   task->Permit(2);
   ASSERT_TRUE(StateIs(TASK_STATE_WAITING));
-  EXPECT_EQ(task->unitsDone.load(), 2);
-
   EXPECT_EQ(BackUpdateTask::ResetUpdateTask(task), 1);
-  ASSERT_TRUE(WaitUntil([&] { return task->unitsEntered == 4; }));
+  ASSERT_TRUE(Entered(4));
   EXPECT_EQ(task->passes.load(), 3);
 }
 
@@ -163,7 +138,7 @@ TEST_F(TaskFixture, KillWhileWaitingWakesAndEndsTheWorker) {
 
 TEST_F(TaskFixture, KillWhileWorkingWaitsForTheUnitThenBeginStartsAgain) {
   ASSERT_EQ(BackUpdateTask::BeginUpdateTask(task), 1);
-  ASSERT_TRUE(WaitUntil([&] { return task->unitsEntered == 1; }));
+  ASSERT_TRUE(Entered(1));
   std::atomic<bool> killed{false};
   std::thread killer([&] {
     BackUpdateTask::KillUpdateTask(task);
@@ -171,19 +146,14 @@ TEST_F(TaskFixture, KillWhileWorkingWaitsForTheUnitThenBeginStartsAgain) {
   });
   ASSERT_TRUE(StateIs(TASK_STATE_KILL));
   EXPECT_EQ(BackUpdateTask::BeginUpdateTask(task), 0);  // refused while the kill is pending
-  EXPECT_FALSE(killed.load());  // the worker is still inside its unit
+  EXPECT_FALSE(killed.load());                          // the worker is still inside its unit
   task->Permit();
   killer.join();
   EXPECT_EQ(task->GetState(), TASK_STATE_NONE);
   EXPECT_EQ(task->unitsDone.load(), 0);  // the unit's result was abandoned
-  EXPECT_EQ(task->threadsEnded.load(), 1);
-
   ASSERT_EQ(BackUpdateTask::BeginUpdateTask(task), 1);
-  ASSERT_TRUE(WaitUntil([&] { return task->unitsEntered == 2; }));
+  ASSERT_TRUE(Entered(2));
   EXPECT_EQ(task->threadsStarted.load(), 2);
-  task->Permit(2);
-  ASSERT_TRUE(StateIs(TASK_STATE_WAITING));
-  EXPECT_EQ(task->unitsDone.load(), 2);
 }
 
 TEST_F(TaskFixture, KillRightAfterBeginIsNotLost) {
@@ -191,31 +161,22 @@ TEST_F(TaskFixture, KillRightAfterBeginIsNotLost) {
   ASSERT_EQ(BackUpdateTask::BeginUpdateTask(task), 1);
   BackUpdateTask::KillUpdateTask(task);  // possibly before the thread ran at all
   EXPECT_EQ(task->GetState(), TASK_STATE_NONE);
-  EXPECT_EQ(task->threadsStarted.load(), 1);
   EXPECT_EQ(task->threadsEnded.load(), 1);  // a lost kill would leave it running
 }
 
-TEST(UILock, NullTryAndRecursion) {
-  { UILock none(nullptr); }  // nothing to enter or leave
-
+TEST(UILock, IsRecursiveExcludesOtherThreadsAndTakesNoLockFromNull) {
+  { UILock none(nullptr); }
   CRITICAL_SECTION* section = UILock::CreateLock();
+  auto otherEnters = [section] {
+    bool entered = false;
+    std::thread([&] { entered = UILock(section, 1).m_bEntered; }).join();
+    return entered;
+  };
   {
     UILock outer(section);
-    UILock inner(section);  // recursive
-    bool otherEntered = true;
-    std::thread other([&] {
-      UILock attempt(section, 1);
-      otherEntered = attempt.m_bEntered;
-    });
-    other.join();
-    EXPECT_FALSE(otherEntered);
+    UILock inner(section);
+    EXPECT_FALSE(otherEnters());
   }
-  bool enteredAfter = false;
-  std::thread later([&] {
-    UILock attempt(section, 1);
-    enteredAfter = attempt.m_bEntered;
-  });
-  later.join();
-  EXPECT_TRUE(enteredAfter);
+  EXPECT_TRUE(otherEnters());
   UILock::ReleaseLock(section);
 }

@@ -68,33 +68,30 @@ TEST(StdioFileEx, NarrowLinesEndsAndLongLinePieces) {
   EXPECT_EQ(lines[4], L"last");
 }
 
-TEST(StdioFileEx, WriteUnicodeMarksOnceAndNarrowUsesCodePage) {
+TEST(StdioFileEx, WriteUnicodeMarksOnceAndNarrowUsesTheCodePage) {
   TempDir dir;
-  const CString u16 = Lib(dir.Path() / "w16.txt");
-  {
-    CStdioFileEx file;
-    ASSERT_TRUE(file.Open(u16, CStdioFile::modeCreate | CStdioFile::modeWrite | CStdioFileEx::modeWriteUnicode));
-    ASSERT_TRUE(file.WriteString(L"A\u00e9\r\n"));
-    ASSERT_TRUE(file.WriteString(L"B"));
+  const struct {
+    const char* name;
+    UINT extraMode;
+    UINT codePage;  // 0: the default
+    std::vector<const wchar_t*> lines;
+    std::string bytes;
+  } cases[] = {
+      {"w16.txt", CStdioFileEx::modeWriteUnicode, 0, {L"A\u00e9\r\n", L"B"}, "\xff\xfe" + Utf16Bytes(u"A\u00e9\r\nB")},
+      {"latin.txt", 0, 28591, {L"\u00e9\u5199\r\n"}, "\xe9#\r\n"},
+      {"utf8.txt", 0, 0, {L"\u5199\r\n"}, "\xe5\x86\x99\r\n"},
+  };
+  for (const auto& c : cases) {
+    const CString path = Lib(dir.Path() / c.name);
+    {
+      CStdioFileEx file;
+      if (c.codePage) file.SetCodePage(c.codePage);
+      ASSERT_TRUE(file.Open(path, CStdioFile::modeCreate | CStdioFile::modeWrite | c.extraMode));
+      for (const wchar_t* line : c.lines) ASSERT_TRUE(file.WriteString(line));
+    }
+    EXPECT_EQ(TempDir::Read(ToNativePath(path)), c.bytes) << c.name;
   }
-  EXPECT_EQ(TempDir::Read(ToNativePath(u16)), "\xff\xfe" + Utf16Bytes(u"A\u00e9\r\nB"));
   CStdioFileEx back;
-  ASSERT_TRUE(back.Open(u16, kTextRead));
+  ASSERT_TRUE(back.Open(Lib(dir.Path() / "w16.txt"), kTextRead));
   EXPECT_EQ(ReadAll(back), (std::vector<std::wstring>{L"A\u00e9", L"B"}));
-
-  const CString narrow = Lib(dir.Path() / "latin.txt");
-  {
-    CStdioFileEx file;
-    file.SetCodePage(28591);
-    ASSERT_TRUE(file.Open(narrow, CStdioFile::modeCreate | CStdioFile::modeWrite));
-    ASSERT_TRUE(file.WriteString(L"\u00e9\u5199\r\n"));
-  }
-  EXPECT_EQ(TempDir::Read(ToNativePath(narrow)), "\xe9#\r\n");
-  const CString utf8 = Lib(dir.Path() / "utf8.txt");
-  {
-    CStdioFileEx file;
-    ASSERT_TRUE(file.Open(utf8, CStdioFile::modeCreate | CStdioFile::modeWrite));
-    ASSERT_TRUE(file.WriteString(L"\u5199\r\n"));
-  }
-  EXPECT_EQ(TempDir::Read(ToNativePath(utf8)), "\xe5\x86\x99\r\n");
 }

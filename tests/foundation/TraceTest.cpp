@@ -46,35 +46,24 @@ std::vector<std::string> MessagesIn(const std::string& content) {
 
 }  // namespace
 
-TEST(TraceLog, LineFormatLevelsAndNarrowText) {
+TEST(TraceLog, LineFormatLevelsNarrowTextAndTheLengthLimit) {
   TempDir dir;
   const auto file = dir.Path() / "sub" / "KarvelViewTrace.log";  // the folder is made on open
   TraceLog log = OpenLog(file);
   ASSERT_TRUE(log->IsOpen());
-  EXPECT_TRUE(log->Trace(0, 1, L"dropped %d", 1));
-  EXPECT_TRUE(log->Trace(1, 1, L"<ERROR> level one %d", 1));
-  EXPECT_TRUE(log->Trace(2, 0, L"Create obj error:%s, type:%s\n", CString(L"btnOK"), L"Button"));
-  EXPECT_TRUE(log->Trace(TRACE_LEVEL_DEVICE, TRACE_FLUSH, L"<ERROR> Decode Fail: %s", CString(L"\\pics\\\u5199\u771f.jpg")));
+  EXPECT_TRUE(log->Trace(TRACE_LEVEL_DROPPED, TRACE_FLUSH, L"dropped %d", 1));
+  EXPECT_TRUE(log->Trace(1, TRACE_FLUSH, L"<ERROR> level one %d", 1));
+  EXPECT_TRUE(
+      log->Trace(TRACE_LEVEL_ERROR, TRACE_NO_FLUSH, L"Create obj error:%s, type:%s\n", CString(L"btnOK"), L"Button"));
+  EXPECT_TRUE(log->Trace(TRACE_LEVEL_DEVICE, TRACE_FLUSH, L"<ERROR> Decode Fail: %s", CString(L"\\pics\\\u5199.jpg")));
+  log->Trace(TRACE_LEVEL_ERROR, TRACE_FLUSH, L"%s", CString(std::wstring(2000, L'x')));  // cut to 1023 characters
   log->Close();
   EXPECT_EQ(MessagesIn(TempDir::Read(file)),
             (std::vector<std::string>{"<ERROR> level one 1", "Create obj error:btnOK, type:Button\n",
-                                      "<ERROR> Decode Fail: \\pics\\\xe5\x86\x99\xe7\x9c\x9f.jpg"}));
-}
-
-TEST(TraceLog, TimeStampIsLocalTimeWithTrailingSpace) {
-  setenv("TZ", "UTC", 1);
+                                      "<ERROR> Decode Fail: \\pics\\\xe5\x86\x99.jpg", std::string(1023, 'x')}));
+  setenv("TZ", "UTC", 1);  // time stamps are local time with a trailing space
   tzset();
   EXPECT_EQ(ITrace_imp::FormatTimeStamp(1299334029), CString(L"[2011/03/05 14:07:09] "));
-}
-
-TEST(TraceLog, OverlongMessageIsCutTo1023Characters) {
-  TempDir dir;
-  TraceLog log = OpenLog(dir.Path() / "t.log");
-  log->Trace(TRACE_LEVEL_ERROR, TRACE_FLUSH, L"%s", CString(std::wstring(2000, L'x')));
-  log->Close();
-  const auto messages = MessagesIn(TempDir::Read(dir.Path() / "t.log"));
-  ASSERT_EQ(messages.size(), 1u);
-  EXPECT_EQ(messages[0], std::string(1023, 'x'));
 }
 
 TEST(TraceLog, OversizedLogKeepsItsLast250000BytesThenAppends) {

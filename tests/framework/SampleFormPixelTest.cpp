@@ -7,7 +7,7 @@
 #include <filesystem>
 
 #include "framework/FrameworkTestSupport.h"
-#include "gpu/GpuTestSupport.h"
+#include "support/GLTesting.h"
 
 namespace KarvelTest {
 namespace {
@@ -62,21 +62,17 @@ class SampleFormPixelTest : public SkinManagerTest {
   CUIForm* form = nullptr;
 };
 
-TEST_F(SampleFormPixelTest, TheBorderPictureFramesTheWindowInEachSkin) {
+TEST_F(SampleFormPixelTest, TheBorderPictureFramesTheWindowInEachSkinAndFollowsItsSize) {
   CRect window;
   form->GetWindowRect(&window);
   ASSERT_EQ(window, CRect(120, 80, 1080, 720));
   ExpectSkin(Paint(), kGraphite);
-
-  Manager()->SetCurrentSkin(L"Ocean");
-  EXPECT_EQ(form->GetAssData().m_rcMargin, CRect(12, 40, 12, 12));
-  ExpectSkin(Paint(), kOcean);
-}
-
-TEST_F(SampleFormPixelTest, TheBorderFollowsTheWindowSize) {
   form->MoveWindow(120, 80, 500, 300);
   ASSERT_EQ(form->GetBounds(), CRect(0, 0, 500, 300));
   ExpectSkin(Paint(), kGraphite);
+  Manager()->SetCurrentSkin(L"Ocean");
+  EXPECT_EQ(form->GetAssData().m_rcMargin, CRect(12, 40, 12, 12));
+  ExpectSkin(Paint(), kOcean);
 }
 
 }  // namespace

@@ -3,7 +3,7 @@
 
 #include <gmock/gmock.h>
 
-#include "framework/FormTestSupport.h"
+#include "framework/FrameworkTestSupport.h"
 
 namespace KarvelTest {
 namespace {
@@ -16,33 +16,25 @@ class UIManagerTest : public ::testing::Test {
   CUIManager* Manager() { return CUIManager::GetInstance(); }
 };
 
-TEST_F(UIManagerTest, FormsRegisterThemselvesOnceForTheirWholeLife) {
-  auto first = std::make_unique<CUIForm>();
-  {
-    CUIForm second;
-    EXPECT_EQ(Manager()->IsExist(first.get()), 0);
-    EXPECT_EQ(Manager()->IsExist(&second), 1);
-    Manager()->RegisterForm(&second);
-    CPtrArray all;
-    Manager()->GetForms(CString(), all);
-    EXPECT_EQ(all.GetSize(), 2);
-  }
-  CPtrArray all;
-  Manager()->GetForms(CString(), all);
-  EXPECT_THAT(all.std_vector(), ElementsAre(first.get()));
-}
-
-TEST_F(UIManagerTest, NamesAreExactAndTheFirstRegisteredWins) {
-  CUIForm a, b, c;
+TEST_F(UIManagerTest, FormsRegisterThemselvesOnceForTheirLifeAndTheFirstOfANameWins) {
+  CUIForm a, b;
   a.SetObjectID(L"Viewer");
   b.SetObjectID(L"Viewer");
-  c.SetObjectID(L"About");
+  {
+    CUIForm about;
+    about.SetObjectID(L"About");
+    Manager()->RegisterForm(&about);  // already registered: not twice
+    EXPECT_EQ(Manager()->IsExist(&about), 2);
+    CPtrArray found;
+    found.Add(&about);  // emptied first
+    Manager()->GetForms(L"Viewer", found);
+    EXPECT_THAT(found.std_vector(), ElementsAre(&a, &b));
+    Manager()->GetForms(CString(), found);
+    EXPECT_EQ(found.GetSize(), 3);
+  }
   EXPECT_EQ(Manager()->IsExist(CString(L"Viewer")), &a);
   EXPECT_EQ(Manager()->IsExist(CString(L"viewer")), nullptr);
-  CPtrArray found;
-  found.Add(&c);  // emptied first
-  Manager()->GetForms(L"Viewer", found);
-  EXPECT_THAT(found.std_vector(), ElementsAre(&a, &b));
+  EXPECT_EQ(Manager()->IsExist(CString(L"About")), nullptr);
 }
 
 TEST_F(UIManagerTest, OnceFormsAreKeptByNameUntilTheirFormGoes) {
@@ -52,7 +44,6 @@ TEST_F(UIManagerTest, OnceFormsAreKeptByNameUntilTheirFormGoes) {
     Manager()->RegisterOnceForm(&once, L"Settings");
     Manager()->RegisterOnceForm(&once, L"Alias");
     Manager()->RegisterOnceForm(&keeper, L"Keeper");
-    EXPECT_EQ(Manager()->IsExistOnceForm(L"Settings"), &once);
     EXPECT_EQ(Manager()->IsExistOnceForm(L"settings"), nullptr);
     Manager()->UnRegisterOnceForm(&once);  // the first in name order only
     EXPECT_EQ(Manager()->IsExistOnceForm(L"Alias"), nullptr);
@@ -62,30 +53,17 @@ TEST_F(UIManagerTest, OnceFormsAreKeptByNameUntilTheirFormGoes) {
   EXPECT_EQ(Manager()->IsExistOnceForm(L"Keeper"), &keeper);
 }
 
-TEST_F(UIManagerTest, TheMainFormIsRemembered) {
-  CUIForm main;
-  Manager()->SetMainForm(&main);
-  EXPECT_EQ(Manager()->GetMainForm(), &main);
-}
-
 class UIManagerFormsTest : public FormTest {};
 
-TEST_F(UIManagerFormsTest, OnlyFormsWithAWindowAreListedAsLive) {
+TEST_F(UIManagerFormsTest, OnlyFormsWithAWindowAreLiveAndKeyStateMapsTheButtonsTheOtherWayRound) {
   LoadTestSkin();
   CUIForm* live = MakeForm();
   CUIForm unmade;
   CPtrArray all;
   CUIManager::GetInstance()->GetAllForms(all);
   EXPECT_THAT(all.std_vector(), ElementsAre(live));
-  live->DestroyWindow();
-  CUIManager::GetInstance()->GetAllForms(all);
-  EXPECT_TRUE(all.IsEmpty());
-}
 
-TEST_F(UIManagerFormsTest, KeyStateMapsTheButtonsTheOtherWayRound) {
-  LoadTestSkin();
-  CUIForm* form = MakeForm();
-  const HWND hwnd = form->GetSafeHwnd();
+  const HWND hwnd = live->GetSafeHwnd();
   PushKey(hwnd, SDL_SCANCODE_LSHIFT, true);
   PushButton(hwnd, 20, 20, true, SDL_BUTTON_RIGHT);
   PumpAll();
@@ -99,6 +77,9 @@ TEST_F(UIManagerFormsTest, KeyStateMapsTheButtonsTheOtherWayRound) {
   PushButton(hwnd, 20, 20, false, SDL_BUTTON_LEFT);
   PushKey(hwnd, SDL_SCANCODE_LCTRL, false);
   PumpAll();
+  live->DestroyWindow();
+  CUIManager::GetInstance()->GetAllForms(all);
+  EXPECT_TRUE(all.IsEmpty());
 }
 
 }  // namespace

@@ -5,10 +5,10 @@
 
 #include <filesystem>
 
+#include <karvelui/StdioFile.h>
 #include "platform/FileSystem.h"
 #include "platform/MappedFile.h"
 #include "platform/Paths.h"
-#include <karvelui/StdioFile.h>
 #include "support/TempDir.h"
 
 using namespace KarvelUI;
@@ -21,27 +21,23 @@ CString Lib(const std::filesystem::path& p) { return FromNativePath(p.string());
 }  // namespace
 
 TEST(NativePaths, SeparatorRunsCollapseSoNormalisedPathsReachTheSameFile) {
-  EXPECT_EQ(ToNativePath(L"\\\\home\\x\\a.png"), "/home/x/a.png");
-  EXPECT_EQ(ToNativePath(L"\\home\\\\x//y/"), "/home/x/y/");
-  EXPECT_EQ(ToNativePath(L"rel\\dir\\f"), "rel/dir/f");
-  EXPECT_EQ(ToNativePath(L"\\tmp\\caf\u00e9\\\u5199\u771f.jpg"), "/tmp/caf\xc3\xa9/\xe5\x86\x99\xe7\x9c\x9f.jpg");
+  const std::pair<const wchar_t*, const char*> paths[] = {
+      {L"\\\\home\\x\\a.png", "/home/x/a.png"},
+      {L"\\home\\\\x//y/", "/home/x/y/"},
+      {L"rel\\dir\\f", "rel/dir/f"},
+      {L"\\tmp\\caf\u00e9\\\u5199\u771f.jpg", "/tmp/caf\xc3\xa9/\xe5\x86\x99\xe7\x9c\x9f.jpg"}};
+  for (const auto& [library, native] : paths) EXPECT_EQ(ToNativePath(library), native);
   EXPECT_EQ(FromNativePath("/tmp/caf\xc3\xa9/x"), CString(L"\\tmp\\caf\u00e9\\x"));
 }
 
 TEST(NativePaths, ExecutableAndDataFolders) {
-  const CString exe = GetExecutablePath();
-  EXPECT_EQ(exe.Left(1), CString(L"\\"));
-  EXPECT_GE(exe.Find(L"karvel_platform_tests"), 0);
-  EXPECT_EQ(GetExecutableFolderNative() + "/karvel_platform_tests", ToNativePath(exe));
-
-  setenv("XDG_DATA_HOME", "/srv/data//", 1);
+  EXPECT_EQ(GetExecutableFolderNative() + "/karvel_platform_tests", ToNativePath(GetExecutablePath()));
   CString folder;
+  setenv("XDG_DATA_HOME", "/srv/data//", 1);
   ASSERT_TRUE(GetUserDataFolder(folder));
   EXPECT_EQ(folder, CString(L"\\srv\\data"));
-
-  // A relative data home is ignored in favour of the home folder.
-  setenv("XDG_DATA_HOME", "relative", 1);
   setenv("HOME", "/home/someone", 1);
+  setenv("XDG_DATA_HOME", "relative", 1);  // a relative data home is ignored in favour of the home folder
   ASSERT_TRUE(GetUserDataFolder(folder));
   EXPECT_EQ(folder, CString(L"\\home\\someone\\.local\\share"));
   unsetenv("XDG_DATA_HOME");
@@ -49,87 +45,61 @@ TEST(NativePaths, ExecutableAndDataFolders) {
   EXPECT_EQ(folder, CString(L"\\home\\someone\\.local\\share"));
 }
 
-TEST(FileSystem, StatusSizeTimesAndRemoval) {
+TEST(FileSystem, StatusTimesHidingRemovalAndFolders) {
   TempDir dir;
   const CString file = Lib(dir.Write("a.txt", "12345"));
-  const CString doubled = CString(L"\\") + file;  // as ReparsePath leaves it
-
   FileStatus status;
-  ASSERT_TRUE(GetPathStatus(doubled, status));
+  ASSERT_TRUE(GetPathStatus(CString(L"\\") + file, status));  // as ReparsePath leaves it
   EXPECT_EQ(status.size, 5u);
   EXPECT_FALSE(status.isFolder);
   EXPECT_GT(status.creationTime, 0);
-
-  const std::int64_t access = 1300000000LL * 1000000000LL + 5;
-  const std::int64_t modified = 1200000000LL * 1000000000LL + 7;
+  const std::int64_t access = 1300000000LL * 1000000000LL + 5, modified = 1200000000LL * 1000000000LL + 7;
   ASSERT_TRUE(SetPathTimes(file, access, modified));
   ASSERT_TRUE(GetPathStatus(file, status));
   EXPECT_EQ(status.accessTime, access);
   EXPECT_EQ(status.modificationTime, modified);
-
   EXPECT_TRUE(SetHiddenAttribute(file, true));
   EXPECT_TRUE(PathExists(file));  // hiding never renames or removes
   EXPECT_TRUE(RemoveFile(file));
-  EXPECT_FALSE(PathExists(file));
   EXPECT_FALSE(RemoveFile(file));
   EXPECT_FALSE(GetPathStatus(file, status));
   EXPECT_FALSE(SetHiddenAttribute(file, true));
-}
 
-TEST(FileSystem, CreateFolderTellsAlreadyExistsFromFailure) {
-  TempDir dir;
-  const CString folder = Lib(dir.Path() / "new");
+  const CString folder = Lib(dir.Path() / "new"), plain = Lib(dir.Write("plain", "x"));
   EXPECT_EQ(CreateFolder(folder), CreateFolderResult::Created);
   EXPECT_EQ(CreateFolder(folder), CreateFolderResult::AlreadyExists);
-  EXPECT_EQ(CreateFolder(Lib(dir.Path() / "missing" / "child")), CreateFolderResult::Failed);
-  const CString file = Lib(dir.Write("plain", "x"));
-  EXPECT_EQ(CreateFolder(file), CreateFolderResult::Failed);
-  EXPECT_EQ(CreateFolder(CString()), CreateFolderResult::Failed);
-
+  for (const CString& bad : {Lib(dir.Path() / "missing" / "child"), plain, CString()})
+    EXPECT_EQ(CreateFolder(bad), CreateFolderResult::Failed);
   EXPECT_TRUE(CreateFolderTree(Lib(dir.Path() / "a" / "b" / "c")));
   EXPECT_TRUE(std::filesystem::is_directory(dir.Path() / "a" / "b" / "c"));
-  EXPECT_FALSE(CreateFolderTree(file + L"\\below"));
+  EXPECT_FALSE(CreateFolderTree(plain + L"\\below"));
 }
 
-TEST(StdioFile, CreateTruncatesUnlessNoTruncate) {
+TEST(StdioFile, CreateTruncatesUnlessNoTruncateAndLinesStopAtLineFeedOrLimit) {
   TempDir dir;
   const auto path = dir.Write("f.bin", "old content");
   CStdioFile file;
   ASSERT_TRUE(file.Open(Lib(path), CStdioFile::modeReadWrite | CStdioFile::modeCreate | CStdioFile::modeNoTruncate));
-  EXPECT_EQ(file.GetLength(), 11u);
   ASSERT_TRUE(file.SeekToEnd());
   ASSERT_TRUE(file.Write("!", 1));
   EXPECT_EQ(file.GetLength(), 12u);  // pending bytes count
   file.Close();
   EXPECT_EQ(TempDir::Read(path), "old content!");
-
   ASSERT_TRUE(file.Open(Lib(path), CStdioFile::modeWrite | CStdioFile::modeCreate));
   file.Close();
   EXPECT_EQ(TempDir::Read(path), "");
-
   EXPECT_FALSE(file.Open(Lib(dir.Path() / "none"), CStdioFile::modeRead));
   EXPECT_FALSE(file.Open(Lib(dir.Path()), CStdioFile::modeRead));  // a folder is no file
-  EXPECT_FALSE(file.SetFilePath(nullptr));
-}
 
-TEST(StdioFile, LineReadsStopAtLineFeedOrLimit) {
-  TempDir dir;
-  const auto path = dir.Write("lines", std::string("ab\r\ncdefgh\nlast"));
-  CStdioFile file;
-  ASSERT_TRUE(file.Open(Lib(path), CStdioFile::modeRead));
+  ASSERT_TRUE(file.Open(Lib(dir.Write("lines", "ab\r\ncdefgh\nlast")), CStdioFile::modeRead));
   std::string line;
-  ASSERT_TRUE(file.ReadLineBytes(line, 100));
-  EXPECT_EQ(line, "ab\r\n");
-  ASSERT_TRUE(file.ReadLineBytes(line, 3));
-  EXPECT_EQ(line, "cde");
-  ASSERT_TRUE(file.ReadLineBytes(line, 100));
-  EXPECT_EQ(line, "fgh\n");
-  ASSERT_TRUE(file.ReadLineBytes(line, 100));
-  EXPECT_EQ(line, "last");
+  const std::pair<std::size_t, const char*> reads[] = {{100, "ab\r\n"}, {3, "cde"}, {100, "fgh\n"}, {100, "last"}};
+  for (const auto& [limit, expected] : reads) {
+    ASSERT_TRUE(file.ReadLineBytes(line, limit));
+    EXPECT_EQ(line, expected);
+  }
   EXPECT_FALSE(file.ReadLineBytes(line, 100));
-
-  const auto wide = dir.Write("w", std::string("a\0\n\0b\0", 6));
-  ASSERT_TRUE(file.Open(Lib(wide), CStdioFile::modeRead));
+  ASSERT_TRUE(file.Open(Lib(dir.Write("w", std::string("a\0\n\0b\0", 6))), CStdioFile::modeRead));
   std::u16string units;
   ASSERT_TRUE(file.ReadLineUtf16(units));
   EXPECT_EQ(units, u"a\n");
@@ -138,22 +108,16 @@ TEST(StdioFile, LineReadsStopAtLineFeedOrLimit) {
   EXPECT_FALSE(file.ReadLineUtf16(units));
 }
 
-TEST(MappedFile, MapsWholeFileAndFailsCleanly) {
+TEST(MappedFile, MapsWholeFileMovesOwnershipAndFailsCleanly) {
   TempDir dir;
-  const CString file = Lib(dir.Write("data.bin", std::string("\x00\x01\x02\xff", 4)));
-  MappedFile mapped(file);
+  MappedFile mapped(Lib(dir.Write("data.bin", std::string("\x00\x01\x02\xff", 4))));
   ASSERT_TRUE(mapped.IsOpen());
-  ASSERT_EQ(mapped.Size(), 4u);
-  EXPECT_EQ(mapped.Data()[3], 0xff);
-
   MappedFile moved(std::move(mapped));
   EXPECT_FALSE(mapped.IsOpen());
-  EXPECT_EQ(moved.Size(), 4u);
-  EXPECT_EQ(moved.Data()[1], 0x01);
-
-  EXPECT_FALSE(MappedFile(Lib(dir.Write("empty", ""))).IsOpen());
-  EXPECT_FALSE(MappedFile(Lib(dir.Path() / "missing")).IsOpen());
-  EXPECT_FALSE(MappedFile(Lib(dir.Path())).IsOpen());
+  ASSERT_EQ(moved.Size(), 4u);
+  EXPECT_EQ(moved.Data()[3], 0xff);
+  for (const CString& bad : {Lib(dir.Write("empty", "")), Lib(dir.Path() / "missing"), Lib(dir.Path())})
+    EXPECT_FALSE(MappedFile(bad).IsOpen());
   if (geteuid() != 0) {  // root reads anything
     const auto locked = dir.Write("locked", "secret");
     chmod(locked.c_str(), 0);

@@ -1,22 +1,23 @@
 #include "DngWriter.h"
 
-#include <FreeImage.h>
-
 #include <algorithm>
 #include <cstdint>
-#include <memory>
 #include <stdexcept>
+
+#include "support/PictureFiles.h"
 
 namespace KarvelTest {
 namespace {
 
-enum TiffType : std::uint16_t { kByte = 1, kShort = 3, kLong = 4 };
-
 struct Entry {
-  std::uint16_t tag;
-  std::uint16_t type;
-  std::uint32_t count;
-  std::string value;  // little-endian bytes
+  std::uint16_t tag, type;  // 1 BYTE, 3 SHORT, 4 LONG
+  std::vector<std::uint32_t> values;
+  std::string Bytes() const {
+    std::string bytes;
+    for (std::uint32_t v : values)
+      for (int i = 0; i < (type == 1 ? 1 : type == 3 ? 2 : 4); ++i) bytes += static_cast<char>(v >> (8 * i));
+    return bytes;
+  }
 };
 
 struct Directory {
@@ -24,207 +25,98 @@ struct Directory {
   std::string strip;
 };
 
-void Put16(std::string& out, std::uint32_t v) {
-  out += char(v & 0xFF);
-  out += char((v >> 8) & 0xFF);
-}
-void Put32(std::string& out, std::uint32_t v) {
-  Put16(out, v & 0xFFFF);
-  Put16(out, v >> 16);
-}
-
-Entry Shorts(std::uint16_t tag, std::initializer_list<std::uint32_t> values) {
-  Entry e{tag, kShort, std::uint32_t(values.size()), {}};
-  for (auto v : values) Put16(e.value, v);
-  return e;
-}
-Entry Longs(std::uint16_t tag, const std::vector<std::uint32_t>& values) {
-  Entry e{tag, kLong, std::uint32_t(values.size()), {}};
-  for (auto v : values) Put32(e.value, v);
-  return e;
-}
-Entry Bytes(std::uint16_t tag, std::initializer_list<std::uint8_t> values) {
-  Entry e{tag, kByte, std::uint32_t(values.size()), {}};
-  for (auto v : values) e.value += char(v);
-  return e;
-}
-constexpr std::uint32_t kWhiteLevel = 4095;
-
-std::string SensorPixels(int width, int height) {
-  std::string pixels;
-  pixels.reserve(std::size_t(width) * height * 2);
-  for (int y = 0; y < height; ++y)
-    for (int x = 0; x < width; ++x) Put16(pixels, y < height / 2 ? 300 : 3500);
-  return pixels;
+// A strip directory: new-subfile type, size, bits, compression, photometric,
+// strip offset, samples, rows per strip, byte count, planar configuration.
+Directory Strip(std::uint32_t subfile, int width, int height, std::vector<std::uint32_t> bits,
+                std::uint32_t compression, std::uint32_t photometric, std::string strip, std::uint32_t stripAt) {
+  const auto samples = static_cast<std::uint32_t>(bits.size()), size = static_cast<std::uint32_t>(strip.size());
+  return {{{254, 4, {subfile}}, {256, 4, {std::uint32_t(width)}}, {257, 4, {std::uint32_t(height)}},
+           {258, 3, bits}, {259, 3, {compression}}, {262, 3, {photometric}}, {273, 4, {stripAt}}, {277, 3, {samples}},
+           {278, 4, {std::uint32_t(height)}}, {279, 4, {size}}, {284, 3, {1}}},
+          std::move(strip)};
 }
 
-Directory SensorDirectory(const DngLayout& layout, std::uint32_t stripAt) {
-  Directory d;
-  d.strip = SensorPixels(layout.sensorWidth, layout.sensorHeight);
-  d.entries = {Longs(254, {0}),
-               Longs(256, {std::uint32_t(layout.sensorWidth)}),
-               Longs(257, {std::uint32_t(layout.sensorHeight)}),
-               Shorts(258, {16}),
-               Shorts(259, {1}),
-               Shorts(262, {32803}),
-               Longs(273, {stripAt}),
-               Shorts(277, {1}),
-               Longs(278, {std::uint32_t(layout.sensorHeight)}),
-               Longs(279, {std::uint32_t(d.strip.size())}),
-               Shorts(284, {1}),
-               Shorts(33421, {2, 2}),
-               Bytes(33422, {0, 1, 1, 2}),
-               Longs(50717, {kWhiteLevel})};
-  return d;
-}
-
-Directory PreviewDirectory(const DngPreview& preview, std::uint32_t stripAt) {
-  Directory d;
-  d.strip = preview.jpeg;
-  d.entries = {Longs(254, {1}),
-               Longs(256, {std::uint32_t(preview.width)}),
-               Longs(257, {std::uint32_t(preview.height)}),
-               Shorts(258, {8, 8, 8}),
-               Shorts(259, {7}),
-               Shorts(262, {6}),
-               Longs(273, {stripAt}),
-               Shorts(277, {3}),
-               Longs(278, {std::uint32_t(preview.height)}),
-               Longs(279, {std::uint32_t(d.strip.size())}),
-               Shorts(284, {1})};
-  return d;
-}
-
-void AddDngTags(Directory& main, const std::vector<std::uint32_t>& subDirectories) {
-  if (!subDirectories.empty()) main.entries.push_back(Longs(330, subDirectories));
-  main.entries.push_back(Bytes(50706, {1, 4, 0, 0}));
-}
-
-// Directories in file order, built for the given strip and directory offsets.
+// Directories in file order, built for the given directory and strip offsets.
 std::vector<Directory> BuildDirectories(const DngLayout& layout, const std::vector<std::uint32_t>& directoryAt,
                                         const std::vector<std::uint32_t>& stripAt) {
+  std::string sensor;  // 16-bit samples, dark top half, bright bottom half
+  for (int y = 0; y < layout.sensorHeight; ++y)
+    for (int x = 0; x < layout.sensorWidth; ++x) sensor += y < layout.sensorHeight / 2 ? "\x2c\x01" : "\xac\x0d";
   std::vector<Directory> dirs;
-  const bool hasPreview = !layout.previews.empty();
-  if (hasPreview) {
-    dirs.push_back(PreviewDirectory(layout.previews[0], stripAt[0]));
-    dirs.push_back(SensorDirectory(layout, stripAt[1]));
-    for (std::size_t i = 1; i < layout.previews.size(); ++i)
-      dirs.push_back(PreviewDirectory(layout.previews[i], stripAt[i + 1]));
-    AddDngTags(dirs[0], std::vector<std::uint32_t>(directoryAt.begin() + 1, directoryAt.end()));
-  } else {
-    dirs.push_back(SensorDirectory(layout, stripAt[0]));
-    AddDngTags(dirs[0], {});
-  }
+  auto preview = [&](size_t i, size_t at) {
+    const DngPreview& p = layout.previews[i];
+    dirs.push_back(Strip(1, p.width, p.height, {8, 8, 8}, 7 /* JPEG */, 6 /* YCbCr */, p.jpeg, stripAt[at]));
+  };
+  const size_t sensorIndex = layout.previews.empty() ? 0 : 1;
+  if (!layout.previews.empty()) preview(0, 0);
+  dirs.push_back(Strip(0, layout.sensorWidth, layout.sensorHeight, {16}, 1, 32803 /* colour filter array */,
+                       sensor, stripAt[sensorIndex]));
+  dirs.back().entries.push_back({33421, 3, {2, 2}});      // CFA repeat pattern
+  dirs.back().entries.push_back({33422, 1, {0, 1, 1, 2}});  // R G G B
+  dirs.back().entries.push_back({50717, 4, {4095}});        // white level
+  for (size_t i = 1; i < layout.previews.size(); ++i) preview(i, i + 1);
+  if (directoryAt.size() > 1)  // the sensor image and the other previews
+    dirs[0].entries.push_back({330, 4, std::vector<std::uint32_t>(directoryAt.begin() + 1, directoryAt.end())});
+  dirs[0].entries.push_back({50706, 1, {1, 4, 0, 0}});  // DNG version
   for (Directory& d : dirs)
     std::sort(d.entries.begin(), d.entries.end(), [](const Entry& a, const Entry& b) { return a.tag < b.tag; });
   return dirs;
 }
 
-std::uint32_t DirectorySize(const Directory& d) {
-  std::uint32_t size = 2 + 12 * std::uint32_t(d.entries.size()) + 4;
-  for (const Entry& e : d.entries)
-    if (e.value.size() > 4) size += std::uint32_t((e.value.size() + 1) & ~std::size_t(1));
-  return size;
+void Put(std::string& out, std::uint32_t value, int bytes) {
+  for (int i = 0; i < bytes; ++i) out += static_cast<char>(value >> (8 * i));
 }
 
-void WriteDirectory(std::string& out, const Directory& d) {
-  const std::uint32_t at = std::uint32_t(out.size());
-  std::uint32_t extra = at + 2 + 12 * std::uint32_t(d.entries.size()) + 4;
-  std::string values;
-  Put16(out, std::uint32_t(d.entries.size()));
+// The directory's bytes at offset `at`: entries, then values too long for
+// an entry, word-aligned. Directories are linked through SubIFDs, not chained.
+std::string DirectoryBytes(const Directory& d, std::uint32_t at) {
+  std::string out, values;
+  const auto valuesAt = at + 2 + 12 * static_cast<std::uint32_t>(d.entries.size()) + 4;
+  Put(out, static_cast<std::uint32_t>(d.entries.size()), 2);
   for (const Entry& e : d.entries) {
-    Put16(out, e.tag);
-    Put16(out, e.type);
-    Put32(out, e.count);
-    if (e.value.size() <= 4) {
-      out += e.value + std::string(4 - e.value.size(), '\0');
+    const std::string bytes = e.Bytes();
+    Put(out, e.tag, 2);
+    Put(out, e.type, 2);
+    Put(out, static_cast<std::uint32_t>(e.values.size()), 4);
+    if (bytes.size() <= 4) {
+      out += bytes + std::string(4 - bytes.size(), '\0');
     } else {
-      Put32(out, extra + std::uint32_t(values.size()));
-      values += e.value;
-      if (values.size() % 2) values += '\0';
+      Put(out, valuesAt + static_cast<std::uint32_t>(values.size()), 4);
+      values += bytes + std::string(bytes.size() % 2, '\0');
     }
   }
-  Put32(out, 0);  // directories are linked through SubIFDs, not chained
-  out += values;
+  Put(out, 0, 4);
+  return out + values;
 }
 
 }  // namespace
 
 std::string MakeDng(const DngLayout& layout) {
-  const std::size_t count = layout.previews.empty() ? 1 : layout.previews.size() + 1;
+  const size_t count = layout.previews.size() + 1;
   std::vector<std::uint32_t> directoryAt(count, 0), stripAt(count, 0);
   // Sizes do not depend on offsets: lay out once with zeros, then for real.
   auto dirs = BuildDirectories(layout, directoryAt, stripAt);
   std::uint32_t at = 8;
-  for (std::size_t i = 0; i < count; ++i) {
+  for (size_t i = 0; i < count; ++i) {
     directoryAt[i] = at;
-    at += DirectorySize(dirs[i]);
+    at += static_cast<std::uint32_t>(DirectoryBytes(dirs[i], at).size());
   }
-  for (std::size_t i = 0; i < count; ++i) {
+  for (size_t i = 0; i < count; ++i) {
     stripAt[i] = at;
-    at += std::uint32_t((dirs[i].strip.size() + 1) & ~std::size_t(1));
+    at += static_cast<std::uint32_t>((dirs[i].strip.size() + 1) & ~size_t(1));
   }
   dirs = BuildDirectories(layout, directoryAt, stripAt);
-
-  std::string out = "II";
-  Put16(out, 42);
-  Put32(out, 8);
-  for (const Directory& d : dirs) WriteDirectory(out, d);
-  for (const Directory& d : dirs) {
-    out += d.strip;
-    if (out.size() % 2) out += '\0';
-  }
+  std::string out = "II\x2a";
+  out += '\0';
+  Put(out, 8, 4);
+  for (size_t i = 0; i < count; ++i) out += DirectoryBytes(dirs[i], directoryAt[i]);
+  for (const Directory& d : dirs) out += d.strip + std::string(d.strip.size() % 2, '\0');
   if (out.size() != at) throw std::logic_error("DNG layout mismatch");
   return out;
 }
 
 DngPreview MakePreviewJpeg(int width, int height, unsigned rgb) {
-  struct Session {
-    Session() { FreeImage_Initialise(FALSE); }
-    ~Session() { FreeImage_DeInitialise(); }
-  } session;
-  std::unique_ptr<FIBITMAP, decltype(&FreeImage_Unload)> bitmap(FreeImage_Allocate(width, height, 24),
-                                                                 &FreeImage_Unload);
-  for (int y = 0; y < height; ++y) {
-    auto* line = FreeImage_GetScanLine(bitmap.get(), y);
-    for (int x = 0; x < width; ++x, line += 3) {
-      line[FI_RGBA_RED] = (rgb >> 16) & 0xFF;
-      line[FI_RGBA_GREEN] = (rgb >> 8) & 0xFF;
-      line[FI_RGBA_BLUE] = rgb & 0xFF;
-    }
-  }
-  std::unique_ptr<FIMEMORY, decltype(&FreeImage_CloseMemory)> memory(FreeImage_OpenMemory(),
-                                                                     &FreeImage_CloseMemory);
-  DngPreview preview{width, height, {}};
-  if (!FreeImage_SaveToMemory(FIF_JPEG, bitmap.get(), memory.get(), JPEG_QUALITYGOOD | JPEG_BASELINE))
-    return preview;
-  BYTE* data = nullptr;
-  DWORD size = 0;
-  FreeImage_AcquireMemory(memory.get(), &data, &size);
-  preview.jpeg.assign(reinterpret_cast<const char*>(data), size);
-  return preview;
-}
-
-DecodedJpeg DecodeJpeg(const std::string& bytes) {
-  struct Session {
-    Session() { FreeImage_Initialise(FALSE); }
-    ~Session() { FreeImage_DeInitialise(); }
-  } session;
-  std::string copy = bytes;
-  std::unique_ptr<FIMEMORY, decltype(&FreeImage_CloseMemory)> memory(
-      FreeImage_OpenMemory(reinterpret_cast<BYTE*>(copy.data()), static_cast<DWORD>(copy.size())),
-      &FreeImage_CloseMemory);
-  DecodedJpeg decoded;
-  if (FreeImage_GetFileTypeFromMemory(memory.get(), 0) != FIF_JPEG) return decoded;
-  std::unique_ptr<FIBITMAP, decltype(&FreeImage_Unload)> bitmap(FreeImage_LoadFromMemory(FIF_JPEG, memory.get(), 0),
-                                                                &FreeImage_Unload);
-  if (!bitmap || FreeImage_GetBPP(bitmap.get()) != 24 || FreeImage_GetHeight(bitmap.get()) < 6) return decoded;
-  decoded.width = static_cast<int>(FreeImage_GetWidth(bitmap.get()));
-  decoded.height = static_cast<int>(FreeImage_GetHeight(bitmap.get()));
-  // Scan line 0 is the bottom row.
-  decoded.bottomGreen = FreeImage_GetScanLine(bitmap.get(), 2)[FI_RGBA_GREEN];
-  decoded.topGreen = FreeImage_GetScanLine(bitmap.get(), decoded.height - 3)[FI_RGBA_GREEN];
-  return decoded;
+  return {width, height, MakePicture(2 /* JPEG */, width, height, 24, [rgb](int, int) { return 0xFF000000u | rgb; })};
 }
 
 }  // namespace KarvelTest

@@ -3,7 +3,7 @@
 // Small camera RAW files for the tests: a minimal little-endian DNG with a
 // 16-bit RGGB sensor image and any number of embedded JPEG previews (the
 // first in the main directory, the others as sub-directories beside the
-// sensor image), plus the JPEGs to embed.
+// sensor image).
 
 #include <string>
 #include <vector>
@@ -25,15 +25,7 @@ struct DngLayout {
 // The sensor image is dark in its top half and bright in its bottom half.
 std::string MakeDng(const DngLayout& layout);
 
-// A baseline JPEG of one colour (0xRRGGBB), made with the image library.
+// A JPEG of one colour (0xRRGGBB).
 DngPreview MakePreviewJpeg(int width, int height, unsigned rgb);
-
-// What the tests look at in a JPEG: its size, and the green level near the
-// top and near the bottom of its left edge. All zero when it does not decode.
-struct DecodedJpeg {
-  int width = 0, height = 0;
-  int topGreen = 0, bottomGreen = 0;
-};
-DecodedJpeg DecodeJpeg(const std::string& bytes);
 
 }  // namespace KarvelTest

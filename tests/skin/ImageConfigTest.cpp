@@ -1,92 +1,50 @@
+// Image records: copying through the base (the frame stays), sizes from the
+// pieces, and the regions a border divides a window into.
+
 #include <gtest/gtest.h>
 
 #include <karvelui/ImageConfig.h>
 
 using namespace KarvelUI;
 
-TEST(ImageConfigTest, CopyTakesEverythingButTheFrame) {
-  _ImageConfig source;
+TEST(ImageConfigTest, CopyKeepsTheFrameAndCopiesAndResetsDerivedPiecesThroughTheBase) {
+  _ImageConfig source, target;
   source.m_strFile = L"a.png";
-  source.m_rcSrc = CRect(1, 2, 3, 4);
-  source.m_dwColor = 0x80112233;
-  source.m_nRotateCenterX = 5;
-  source.m_nRotateCenterY = 6;
-  source.m_fRotation = 1.25f;
   source.m_nFrame = 9;
-  _ImageConfig target;
   target.m_nFrame = 3;
   target.Copy(&source);
-  EXPECT_EQ(target.m_strFile, L"a.png");
-  EXPECT_EQ(target.m_rcSrc, CRect(1, 2, 3, 4));
-  EXPECT_EQ(target.m_dwColor, 0x80112233u);
-  EXPECT_EQ(target.m_nRotateCenterX, 5);
-  EXPECT_EQ(target.m_nRotateCenterY, 6);
-  EXPECT_FLOAT_EQ(target.m_fRotation, 1.25f);
-  EXPECT_EQ(target.m_nFrame, 3);
   target.Copy(nullptr);
   EXPECT_EQ(target.m_strFile, L"a.png");
-
-  // The member-wise copy of the class itself keeps the frame too.
-  const _ImageConfig assigned = source;
-  EXPECT_EQ(assigned.m_nFrame, 9);
-
-  target.Reset();
-  EXPECT_TRUE(target.m_strFile.IsEmpty());
-  EXPECT_TRUE(target.m_rcSrc.IsRectNull());
-  EXPECT_EQ(target.m_dwColor, 0xFFFFFFFFu);
-  EXPECT_EQ(target.m_nFrame, 0);
-}
-
-TEST(ImageConfigTest, EdgeAndBorderRecordsCopyTheirPiecesThroughTheBase) {
-  _ImageEdgeConfig edge;
-  edge.m_strFile = L"e.png";
-  edge.m_edge.mid = CRect(1, 1, 2, 2);
+  EXPECT_EQ(target.m_nFrame, 3);
+  _ImageEdgeConfig edge, edgeCopy;
+  _ImageBorderConfig border, borderCopy;
   edge.m_bHorizontal = 0;
-  _ImageEdgeConfig edgeCopy;
-  edgeCopy.Copy(&edge);
-  EXPECT_EQ(edgeCopy.m_edge.mid, CRect(1, 1, 2, 2));
-  EXPECT_EQ(edgeCopy.m_bHorizontal, 0);
-  _ImageConfig* base = &edgeCopy;
-  base->Reset();
-  EXPECT_EQ(edgeCopy.m_bHorizontal, 1);
-  EXPECT_TRUE(edgeCopy.m_strFile.IsEmpty());
-
-  // A plain record as source gives only the plain fields.
-  _ImageConfig plain;
-  plain.m_strFile = L"p.png";
-  edge.Copy(&plain);
-  EXPECT_EQ(edge.m_strFile, L"p.png");
-  EXPECT_EQ(edge.m_edge.mid, CRect(1, 1, 2, 2));
-
-  _ImageBorderConfig border;
-  border.m_edgeCenter.left = CRect(0, 0, 4, 4);
   border.m_edgeBottom.right = CRect(0, 0, 3, 3);
-  _ImageBorderConfig borderCopy;
-  borderCopy.Copy(&border);
-  EXPECT_EQ(borderCopy.m_edgeCenter.left, CRect(0, 0, 4, 4));
+  const std::pair<_ImageConfig*, _ImageConfig*> copies[] = {{&edge, &edgeCopy}, {&border, &borderCopy}};
+  for (const auto& [from, to] : copies) to->Copy(from);  // through the base
+  EXPECT_EQ(edgeCopy.m_bHorizontal, 0);
   EXPECT_EQ(borderCopy.m_edgeBottom.right, CRect(0, 0, 3, 3));
-  borderCopy.Reset();
-  EXPECT_TRUE(borderCopy.m_edgeCenter.left.IsRectNull());
+  for (const auto& [from, to] : copies) to->Reset();
+  EXPECT_EQ(edgeCopy.m_bHorizontal, 1);
   EXPECT_TRUE(borderCopy.m_edgeBottom.right.IsRectNull());
+  edge.Copy(&source);  // a plain record as source gives only the plain fields
+  EXPECT_EQ(edge.m_strFile, L"a.png");
+  EXPECT_EQ(edge.m_bHorizontal, 0);
 }
 
-TEST(ImageConfigTest, EdgeSizeAddsAlongAndTakesTheLargestAcross) {
+TEST(ImageConfigTest, EdgeSizeAddsAlongAndBorderSizeSumsBottomAndLeftHeights) {
   _ImageEdgeConfig edge;
-  edge.m_edge.left = CRect(0, 0, 10, 20);
-  edge.m_edge.mid = CRect(10, 0, 11, 30);
-  edge.m_edge.right = CRect(11, 0, 23, 20);
+  edge.m_edge = {CRect(0, 0, 10, 20), CRect(11, 0, 23, 20), CRect(10, 0, 11, 30)};  // left, right, mid
   edge.Caculate();
   EXPECT_EQ(edge.m_rcSrc, CRect(0, 0, 23, 30));
   edge.m_bHorizontal = 0;
   edge.Caculate();
   EXPECT_EQ(edge.m_rcSrc, CRect(0, 0, 12, 70));
-}
 
-TEST(ImageConfigTest, BorderSizeSumsBottomAndLeftHeights) {
   _ImageBorderConfig border;
   border.Caculate();
   EXPECT_EQ(border.m_rcSrc, CRect(0, 0, 0, 0));
-  border.m_edgeTop = {CRect(0, 0, 6, 7), CRect(0, 0, 6, 7), CRect(0, 0, 2, 3)};  // left, right, mid
+  border.m_edgeTop = {CRect(0, 0, 6, 7), CRect(0, 0, 6, 7), CRect(0, 0, 2, 3)};
   border.m_edgeBottom = {CRect(0, 0, 6, 5), CRect(0, 0, 6, 5), CRect(0, 0, 2, 5)};
   border.m_edgeLeft = {CRect(0, 0, 4, 4), CRect(0, 0, 4, 4), CRect(0, 0, 4, 1)};
   border.m_edgeRight = {CRect(0, 0, 90, 90), CRect(), CRect()};  // not part of the size
@@ -107,7 +65,6 @@ TEST(ImageConfigTest, DivideWindowGivesTheCornersToTheBands) {
   EXPECT_EQ(regions[2], CRect(291, 58, 300, 245));   // right: widest right piece 9
   EXPECT_EQ(regions[3], CRect(100, 245, 300, 250));  // bottom: tallest bottom piece 5
   EXPECT_EQ(regions[4], CRect(107, 58, 291, 245));
-
   _ImageBorderConfig empty;
   empty.DivideWindow(CRect(0, 0, 10, 10), regions);
   EXPECT_TRUE(regions[0].IsRectEmpty());

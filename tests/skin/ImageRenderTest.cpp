@@ -4,7 +4,7 @@
 
 #include <cmath>
 
-#include "dxcore/FakeCoreFixture.h"
+#include "support/FakeCore.h"
 #include "platform/Paths.h"
 #include "render/PictureDecoder.h"
 #include <karvelui/ImageConfig.h>
@@ -23,9 +23,9 @@ struct Piece {
   CRect picture;
   friend bool operator==(const Piece&, const Piece&) = default;
   friend std::ostream& operator<<(std::ostream& out, const Piece& p) {
-    return out << "(" << p.screen.left << "," << p.screen.top << "," << p.screen.right << "," << p.screen.bottom
-               << " | " << p.picture.left << "," << p.picture.top << "," << p.picture.right << ","
-               << p.picture.bottom << ")";
+    for (const CRect& r : {p.screen, p.picture})
+      out << "(" << r.left << "," << r.top << "," << r.right << "," << r.bottom << ")";
+    return out;
   }
 };
 
@@ -35,7 +35,8 @@ class ImageRenderTest : public FakeCoreTest {
     FakeCoreTest::SetUp();
     MakeReady();
     ASSERT_EQ(core.BeginPaint(), S_OK);
-    const std::string png = MakePicture(PICTURE_FORMAT_PNG, 40, 20, 24, [](int x, int y) { return 0xFF000000u | x << 8 | y; });
+    const std::string png =
+        MakePicture(PICTURE_FORMAT_PNG, 40, 20, 24, [](int x, int y) { return 0xFF000000u | x << 8 | y; });
     image.m_strFile = FromNativePath(dir.Write("skin.png", png).string());
     image.m_dwColor = 0x80FFFFFF;
     gpu->ClearLog();
@@ -66,10 +67,8 @@ TEST_F(ImageRenderTest, AnEmptySourceDrawsTheWholePictureWithTheRecordsColour) {
 
   image.m_rcSrc = CRect(5, 5, 15, 10);
   image.Render(&core, target, nullptr);
-  const std::vector<fake::SpriteDrawRecord> draws = gpu->Draws();
-  ASSERT_EQ(draws.size(), 1u);
-  EXPECT_EQ(draws[0].color, 0x80FFFFFFu);
-  EXPECT_EQ(Pieces(), (std::vector<Piece>{{{10, 10, 90, 50}, {5, 5, 15, 10}}}));
+  EXPECT_EQ(gpu->Draws().at(0).color, 0x80FFFFFFu);
+  EXPECT_THAT(Pieces(), ElementsAre(Piece{{10, 10, 90, 50}, {5, 5, 15, 10}}));
 
   // Nothing without a file, into an empty target, or for a picture the cache cannot make.
   CRect empty(10, 10, 10, 50);

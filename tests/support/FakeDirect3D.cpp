@@ -21,6 +21,17 @@ std::string Describe(const D3DPRESENT_PARAMETERS& p) {
          " size=" + std::to_string(p.BackBufferWidth) + "x" + std::to_string(p.BackBufferHeight);
 }
 
+// The injected result when it is a failure, otherwise what `next` answers.
+template <class Next>
+HRESULT Then(HRESULT injected, Next next) {
+  return FAILED(injected) ? injected : next();
+}
+
+// Sets `state` to `to`; refused when it already is.
+auto Toggle(bool& state, bool to) {
+  return [&state, to]() -> HRESULT { return state == to ? D3DERR_INVALIDCALL : (state = to, S_OK); };
+}
+
 class FakeDevice;
 
 class FakeSprite final : public RefCounted<ID3DXSprite> {
@@ -127,24 +138,11 @@ class FakeDevice final : public RefCounted<IDirect3DDevice9> {
     return m_gpu->Enter(Call::Clear, "Clear count=" + std::to_string(count) + " flags=" + Hex(flags) +
                                          " color=" + Hex(color));
   }
-  HRESULT BeginScene() override {
-    const HRESULT hr = m_gpu->Enter(Call::BeginScene, "BeginScene");
-    if (FAILED(hr)) return hr;
-    if (m_inScene) return D3DERR_INVALIDCALL;
-    m_inScene = true;
-    return S_OK;
-  }
-  HRESULT EndScene() override {
-    const HRESULT hr = m_gpu->Enter(Call::EndScene, "EndScene");
-    if (FAILED(hr)) return hr;
-    if (!m_inScene) return D3DERR_INVALIDCALL;
-    m_inScene = false;
-    return S_OK;
-  }
+  // One scene at a time: a state that must change.
+  HRESULT BeginScene() override { return Then(m_gpu->Enter(Call::BeginScene, "BeginScene"), Toggle(m_inScene, true)); }
+  HRESULT EndScene() override { return Then(m_gpu->Enter(Call::EndScene, "EndScene"), Toggle(m_inScene, false)); }
   HRESULT Present(const RECT*, const RECT*, HWND, const void*) override {
-    const HRESULT hr = m_gpu->Enter(Call::Present, "Present");
-    if (FAILED(hr)) return hr;
-    return m_gpu->IsLost() ? D3DERR_DEVICELOST : S_OK;
+    return Then(m_gpu->Enter(Call::Present, "Present"), [this] { return m_gpu->IsLost() ? D3DERR_DEVICELOST : S_OK; });
   }
   HRESULT CreateTexture(UINT width, UINT height, UINT levels, DWORD usage, D3DFORMAT format, D3DPOOL pool,
                         IDirect3DTexture9** texture, HANDLE* shared) override {
@@ -237,27 +235,14 @@ FakeSprite::FakeSprite(std::shared_ptr<FakeGpu> gpu, RefPtr<FakeDevice> device)
 FakeSprite::~FakeSprite() { m_device->SpriteGone(); }
 
 HRESULT FakeSprite::Begin(DWORD flags) {
-  const HRESULT hr = m_gpu->Enter(Call::SpriteBegin, "Sprite.Begin flags=" + Hex(flags));
-  if (FAILED(hr)) return hr;
-  if (m_open) return D3DERR_INVALIDCALL;
-  m_open = true;
-  return S_OK;
+  return Then(m_gpu->Enter(Call::SpriteBegin, "Sprite.Begin flags=" + Hex(flags)), Toggle(m_open, true));
 }
 
-HRESULT FakeSprite::End() {
-  const HRESULT hr = m_gpu->Enter(Call::SpriteEnd, "Sprite.End");
-  if (FAILED(hr)) return hr;
-  if (!m_open) return D3DERR_INVALIDCALL;
-  m_open = false;
-  return S_OK;
-}
+HRESULT FakeSprite::End() { return Then(m_gpu->Enter(Call::SpriteEnd, "Sprite.End"), Toggle(m_open, false)); }
 
 HRESULT FakeSprite::SetTransform(const D3DXMATRIX* transform) {
-  const HRESULT hr = m_gpu->Enter(Call::SpriteSetTransform, "Sprite.SetTransform");
-  if (FAILED(hr)) return hr;
-  if (!transform) return D3DERR_INVALIDCALL;
-  m_transform = *transform;
-  return S_OK;
+  return Then(m_gpu->Enter(Call::SpriteSetTransform, "Sprite.SetTransform"),
+              [&] { return transform ? (m_transform = *transform, S_OK) : D3DERR_INVALIDCALL; });
 }
 
 HRESULT FakeSprite::Draw(IDirect3DTexture9* texture, const RECT* source, const D3DXVECTOR3* center,
@@ -306,36 +291,12 @@ void FakeGpu::FailNext(Call call, HRESULT code, int times) {
   std::lock_guard guard(m_mutex);
   for (int i = 0; i < times; ++i) m_faults[call].next.push_back(code);
 }
-
-void FakeGpu::FailAlways(Call call, HRESULT code) {
-  std::lock_guard guard(m_mutex);
-  m_faults[call].always = code;
-}
-
-void FakeGpu::ClearFaults() {
-  std::lock_guard guard(m_mutex);
-  m_faults.clear();
-}
-
-void FakeGpu::LoseDevice() {
-  std::lock_guard guard(m_mutex);
-  m_lost = true;
-}
-
-bool FakeGpu::IsLost() const {
-  std::lock_guard guard(m_mutex);
-  return m_lost;
-}
-
-void FakeGpu::Recovered() {
-  std::lock_guard guard(m_mutex);
-  m_lost = false;
-}
-
-int FakeGpu::NextTextureId() {
-  std::lock_guard guard(m_mutex);
-  return ++m_textureIds;
-}
+void FakeGpu::FailAlways(Call call, HRESULT code) { Locked([&] { m_faults[call].always = code; }); }
+void FakeGpu::ClearFaults() { Locked([&] { m_faults.clear(); }); }
+void FakeGpu::LoseDevice() { Locked([&] { m_lost = true; }); }
+bool FakeGpu::IsLost() const { return Locked([&] { return m_lost; }); }
+void FakeGpu::Recovered() { Locked([&] { m_lost = false; }); }
+int FakeGpu::NextTextureId() { return Locked([&] { return ++m_textureIds; }); }
 
 HRESULT FakeGpu::Enter(Call call, std::string line) {
   std::lock_guard guard(m_mutex);
@@ -355,15 +316,10 @@ HRESULT FakeGpu::Enter(Call call, std::string line) {
   return result;
 }
 
-void FakeGpu::RecordDraw(const SpriteDrawRecord& draw) {
-  std::lock_guard guard(m_mutex);
-  m_draws.push_back(draw);
-}
-
-void FakeGpu::RecordText(const TextRecord& text) {
-  std::lock_guard guard(m_mutex);
-  m_texts.push_back(text);
-}
+void FakeGpu::RecordDraw(const SpriteDrawRecord& draw) { Locked([&] { m_draws.push_back(draw); }); }
+void FakeGpu::RecordText(const TextRecord& text) { Locked([&] { m_texts.push_back(text); }); }
+std::vector<SpriteDrawRecord> FakeGpu::Draws() const { return Locked([&] { return m_draws; }); }
+std::vector<TextRecord> FakeGpu::Texts() const { return Locked([&] { return m_texts; }); }
 
 std::vector<std::string> FakeGpu::Calls() const {
   std::lock_guard guard(m_mutex);
@@ -377,21 +333,12 @@ int FakeGpu::Count(Call call) const {
   return static_cast<int>(std::count_if(m_log.begin(), m_log.end(), [call](const Entry& e) { return e.call == call; }));
 }
 
-std::vector<SpriteDrawRecord> FakeGpu::Draws() const {
-  std::lock_guard guard(m_mutex);
-  return m_draws;
-}
-
-std::vector<TextRecord> FakeGpu::Texts() const {
-  std::lock_guard guard(m_mutex);
-  return m_texts;
-}
-
 void FakeGpu::ClearLog() {
-  std::lock_guard guard(m_mutex);
-  m_log.clear();
-  m_draws.clear();
-  m_texts.clear();
+  Locked([&] {
+    m_log.clear();
+    m_draws.clear();
+    m_texts.clear();
+  });
 }
 
 // --- FakeDirect3D -------------------------------------------------------------
@@ -427,18 +374,17 @@ FakeTexture* FakeTexture::From(IDirect3DTexture9* texture) { return dynamic_cast
 std::vector<DWORD> FakeTexture::Texels() const { return m_storage.CopyTexels(); }
 
 HRESULT FakeTexture::GetLevelDesc(UINT level, D3DSURFACE_DESC* desc) {
-  const HRESULT hr = m_gpu->Enter(Call::GetLevelDesc, "GetLevelDesc " + Name());
-  return FAILED(hr) ? hr : m_storage.GetLevelDesc(level, desc);
+  return Then(m_gpu->Enter(Call::GetLevelDesc, "GetLevelDesc " + Name()),
+              [&] { return m_storage.GetLevelDesc(level, desc); });
 }
 
 HRESULT FakeTexture::LockRect(UINT level, D3DLOCKED_RECT* locked, const RECT* rect, DWORD flags) {
-  const HRESULT hr = m_gpu->Enter(Call::LockRect, "LockRect " + Name());
-  return FAILED(hr) ? hr : m_storage.LockRect(level, locked, rect, flags);
+  return Then(m_gpu->Enter(Call::LockRect, "LockRect " + Name()),
+              [&] { return m_storage.LockRect(level, locked, rect, flags); });
 }
 
 HRESULT FakeTexture::UnlockRect(UINT level) {
-  const HRESULT hr = m_gpu->Enter(Call::UnlockRect, "UnlockRect " + Name());
-  return FAILED(hr) ? hr : m_storage.UnlockRect(level);
+  return Then(m_gpu->Enter(Call::UnlockRect, "UnlockRect " + Name()), [&] { return m_storage.UnlockRect(level); });
 }
 
 }  // namespace KarvelUI::fake

@@ -134,6 +134,12 @@ class FakeGpu {
     Call call;
     std::string line;
   };
+  template <class F>
+  auto Locked(F f) const {
+    std::lock_guard guard(m_mutex);
+    return f();
+  }
+
   mutable std::mutex m_mutex;
   std::map<Call, Faults> m_faults;
   std::vector<Entry> m_log;

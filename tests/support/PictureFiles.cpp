@@ -2,6 +2,7 @@
 
 #include <FreeImage.h>
 
+#include <cstdlib>
 #include <map>
 #include <memory>
 #include <stdexcept>
@@ -166,6 +167,34 @@ std::string MakeAnimatedGif(const std::vector<GifFrame>& frames) {
   }
   FreeImage_CloseMultiBitmap(gif, 0);
   return TempDir::Read(path);
+}
+
+DecodedPicture DecodePicture(const std::string& bytes) {
+  FreeImageSession session;
+  std::string copy = bytes;
+  std::unique_ptr<FIMEMORY, decltype(&FreeImage_CloseMemory)> memory(
+      FreeImage_OpenMemory(reinterpret_cast<BYTE*>(copy.data()), static_cast<DWORD>(copy.size())),
+      &FreeImage_CloseMemory);
+  const FREE_IMAGE_FORMAT format = FreeImage_GetFileTypeFromMemory(memory.get(), 0);
+  const Bitmap loaded(format == FIF_UNKNOWN ? nullptr : FreeImage_LoadFromMemory(format, memory.get(), 0),
+                      &FreeImage_Unload);
+  const Bitmap bitmap(loaded ? FreeImage_ConvertTo32Bits(loaded.get()) : nullptr, &FreeImage_Unload);
+  DecodedPicture picture;
+  if (!bitmap) return picture;
+  picture.width = static_cast<int>(FreeImage_GetWidth(bitmap.get()));
+  picture.height = static_cast<int>(FreeImage_GetHeight(bitmap.get()));
+  for (int y = picture.height - 1; y >= 0; --y) {  // scan line 0 is the bottom row
+    const auto* line = reinterpret_cast<const std::uint32_t*>(FreeImage_GetScanLine(bitmap.get(), y));
+    picture.pixels.insert(picture.pixels.end(), line, line + picture.width);
+  }
+  return picture;
+}
+
+::testing::AssertionResult ColorNear(std::uint32_t actual, std::uint32_t expected, int tolerance) {
+  for (int shift = 0; shift < 32; shift += 8)
+    if (std::abs(static_cast<int>((actual >> shift) & 0xFF) - static_cast<int>((expected >> shift) & 0xFF)) > tolerance)
+      return ::testing::AssertionFailure() << std::hex << "0x" << actual << " is not near 0x" << expected;
+  return ::testing::AssertionSuccess();
 }
 
 std::size_t FindJpegMarker(const std::string& jpeg, unsigned char marker) {

@@ -5,6 +5,8 @@
 // pixel function, animated GIFs with their frame metadata, and the small
 // structural tools the tests use to damage them.
 
+#include <gtest/gtest.h>
+
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -36,6 +38,18 @@ struct GifFrame {
   PixelFunction pixel;
 };
 std::string MakeAnimatedGif(const std::vector<GifFrame>& frames);
+
+// A picture file decoded by the image library: 0xAARRGGBB pixels, rows from
+// the top; empty when the bytes are no picture.
+struct DecodedPicture {
+  int width = 0, height = 0;
+  std::vector<std::uint32_t> pixels;
+  std::uint32_t At(int x, int y) const { return pixels[static_cast<std::size_t>(y) * width + x]; }
+};
+DecodedPicture DecodePicture(const std::string& bytes);
+
+// Equal per channel (0xAARRGGBB) within `tolerance`.
+::testing::AssertionResult ColorNear(std::uint32_t actual, std::uint32_t expected, int tolerance = 1);
 
 // Offset of the FF that introduces the first `marker` segment of a JPEG
 // header; npos when absent.

@@ -5,6 +5,7 @@
 #include <fstream>
 #include <iterator>
 #include <stdexcept>
+#include <utility>
 
 namespace KarvelTest {
 
@@ -25,6 +26,12 @@ std::filesystem::path TempDir::Write(const std::string& relative, const std::str
   std::ofstream out(file, std::ios::binary | std::ios::trunc);
   out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
   return file;
+}
+
+void TempDir::UseAsDesktop() const {
+  const std::pair<const char*, const char*> folders[] = {
+      {"XDG_CONFIG_HOME", "config"}, {"XDG_DATA_HOME", "data"}, {"XDG_CONFIG_DIRS", "etc"}, {"XDG_DATA_DIRS", "share"}};
+  for (const auto& [variable, folder] : folders) setenv(variable, (m_path / folder).c_str(), 1);
 }
 
 std::string TempDir::Read(const std::filesystem::path& file) {

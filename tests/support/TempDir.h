@@ -18,6 +18,9 @@ class TempDir {
   const std::filesystem::path& Path() const { return m_path; }
   // Writes bytes into a file below the folder (parent folders are created).
   std::filesystem::path Write(const std::string& relative, const std::string& bytes) const;
+  // Points the desktop's settings folders (XDG_CONFIG_HOME "config",
+  // XDG_DATA_HOME "data", XDG_CONFIG_DIRS "etc", XDG_DATA_DIRS "share") here.
+  void UseAsDesktop() const;
   // Reads a whole file as bytes; empty when it cannot be read.
   static std::string Read(const std::filesystem::path& file);
 

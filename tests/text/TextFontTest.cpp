@@ -1,3 +1,6 @@
+// Fonts of the text engine: which face a name resolves to, metrics, real
+// and synthesised styles, the glyph atlas a font fills, and measuring.
+
 #include <gtest/gtest.h>
 
 #include <string>
@@ -14,59 +17,35 @@ namespace {
 
 constexpr UINT kDraw = DT_SINGLELINE | DT_NOCLIP;
 
-TextLayout Draw(TextFont& font, const wchar_t* text, UINT format = kDraw,
-                CRect rect = CRect(0, 0, 400, 100)) {
+TextLayout Draw(TextFont& font, const wchar_t* text, CRect rect = CRect(0, 0, 400, 100)) {
   TextLayout layout;
-  font.Layout(text, -1, rect, format, layout);
+  font.Layout(text, -1, rect, kDraw, layout);
   return layout;
-}
-
-// The coverage bitmap a quad points at, row by row.
-std::vector<BYTE> Bitmap(const TextFont& font, const GlyphQuad& quad) {
-  const AtlasPageView page = font.GetAtlasPage(quad.page);
-  std::vector<BYTE> pixels;
-  for (int y = quad.source.top; y < quad.source.bottom; ++y) {
-    for (int x = quad.source.left; x < quad.source.right; ++x) {
-      pixels.push_back(page.pixels[static_cast<size_t>(y) * page.pitch + x]);
-    }
-  }
-  return pixels;
 }
 
 }  // namespace
 
-TEST(FaceResolution, CjkSystemFaceNamesStandForTheirLanguage) {
-  EXPECT_EQ(FontLibrary::CjkLanguageOfFaceName(L"SimSun"), "zh-cn");
-  EXPECT_EQ(FontLibrary::CjkLanguageOfFaceName(L"MICROSOFT YAHEI"), "zh-cn");
-  EXPECT_EQ(FontLibrary::CjkLanguageOfFaceName(L"宋体"), "zh-cn");
-  EXPECT_EQ(FontLibrary::CjkLanguageOfFaceName(L"ＭＳ ゴシック"), "ja");
-  EXPECT_EQ(FontLibrary::CjkLanguageOfFaceName(L"굴림"), "ko");
-  EXPECT_EQ(FontLibrary::CjkLanguageOfFaceName(L"Arial"), "");
-  EXPECT_EQ(FontLibrary::CjkLanguageOfFaceName(L""), "");
-}
-
-TEST(FaceResolution, DefaultSimSunDrawsChineseAndLatinWithOneCjkFace) {
+TEST(FaceResolution, CjkSystemNamesStandForTheirLanguageAndDrawWithOneCjkFace) {
+  const std::pair<const wchar_t*, const char*> names[] = {
+      {L"SimSun", "zh-cn"}, {L"MICROSOFT YAHEI", "zh-cn"}, {L"宋体", "zh-cn"}, {L"ＭＳ ゴシック", "ja"},
+      {L"굴림", "ko"},      {L"Arial", ""},                {L"", ""}};
+  for (const auto& [name, language] : names) EXPECT_EQ(FontLibrary::CjkLanguageOfFaceName(name), language);
   auto font = OpenFont(L"SimSun");
   ASSERT_NE(font, nullptr);
-  EXPECT_NE(font->GetMetrics().family.find(L"WenQuanYi"), std::wstring::npos)
-      << "resolved to a face without CJK coverage";
+  EXPECT_NE(font->GetMetrics().family.find(L"WenQuanYi"), std::wstring::npos) << "resolved to a face without CJK";
   const TextLayout layout = Draw(*font, L"中文Ab");
   ASSERT_EQ(layout.quads.size(), 4u);
   for (const GlyphQuad& quad : layout.quads) EXPECT_GT(Coverage(*font, quad), 0);
 }
 
-TEST(FaceResolution, UnknownAndEmptyNamesFallBackToAFaceThatDrawsLatin) {
+TEST(FaceResolution, UnknownNamesFallBackAndMissingCharactersComeFromAFaceThatHasThem) {
   for (const wchar_t* name : {L"No Such Face 123", L""}) {
     auto font = OpenFont(name);
     ASSERT_NE(font, nullptr) << "face name #" << std::wcslen(name);
-    EXPECT_FALSE(font->GetMetrics().family.empty());
     const TextLayout layout = Draw(*font, L"Hello");
     ASSERT_EQ(layout.quads.size(), 5u);
     for (const GlyphQuad& quad : layout.quads) EXPECT_GT(Coverage(*font, quad), 0);
   }
-}
-
-TEST(FaceResolution, CharactersMissingFromTheFaceAreDrawnByAFaceThatHasThem) {
   auto latin = OpenFont(L"DejaVu Sans");
   auto cjk = OpenFont(L"WenQuanYi Zen Hei");
   ASSERT_TRUE(latin && cjk);
@@ -74,34 +53,22 @@ TEST(FaceResolution, CharactersMissingFromTheFaceAreDrawnByAFaceThatHasThem) {
   const TextLayout mixed = Draw(*latin, L"A中");
   const TextLayout reference = Draw(*cjk, L"中");
   ASSERT_EQ(mixed.quads.size(), 2u);
-  ASSERT_EQ(reference.quads.size(), 1u);
   // The same face at the same cell height rasterises the same bitmap; the
   // Latin face's missing-glyph box would differ.
-  EXPECT_EQ(Bitmap(*latin, mixed.quads[1]), Bitmap(*cjk, reference.quads[0]));
+  EXPECT_EQ(Pixels(*latin, mixed.quads[1]), Pixels(*cjk, reference.quads[0]));
 }
 
-TEST(FontMetrics, PositiveHeightIsTheCellNegativeHeightTheEm) {
-  auto cell = OpenFont(L"SimSun", 12);
-  auto em = OpenFont(L"SimSun", -12);
-  auto standard = OpenFont(L"SimSun", 0);
+TEST(FontMetrics, PositiveHeightIsTheCellNegativeTheEmAndGlyphsStayInTheirCell) {
+  auto cell = OpenFont(L"SimSun", 12), em = OpenFont(L"SimSun", -12), standard = OpenFont(L"SimSun", 0);
   ASSERT_TRUE(cell && em && standard);
   EXPECT_EQ(cell->GetMetrics().height, 12);
   EXPECT_EQ(cell->GetMetrics().ascent + cell->GetMetrics().descent, 12);
   EXPECT_GT(em->GetMetrics().height, 12);
   EXPECT_EQ(standard->GetMetrics().height, 12);
-
-  TextLayout measured;
-  cell->Layout(L"Ag中", -1, CRect(5, 7, 5, 7), DT_CALCRECT | DT_SINGLELINE, measured);
-  EXPECT_EQ(measured.bounds.Height(), 12);
-  EXPECT_EQ(measured.bounds.top, 7);
-  // The bigger em draws bigger glyphs.
   EXPECT_GT(em->GetTextExtent(L"中中中", -1).cx, cell->GetTextExtent(L"中中中", -1).cx);
-}
 
-TEST(FontMetrics, GlyphsStayInsideTheirLineCell) {
   auto font = OpenFont(L"DejaVu Sans", 16);
-  ASSERT_NE(font, nullptr);
-  const TextLayout layout = Draw(*font, L"Hxg", kDraw, CRect(0, 40, 400, 80));
+  const TextLayout layout = Draw(*font, L"Hxg", CRect(0, 40, 400, 80));
   ASSERT_EQ(layout.quads.size(), 3u);
   for (const GlyphQuad& quad : layout.quads) {
     EXPECT_GE(quad.dest.top, 40 - 1);
@@ -112,32 +79,22 @@ TEST(FontMetrics, GlyphsStayInsideTheirLineCell) {
   EXPECT_GT(layout.quads[2].dest.bottom, layout.quads[0].dest.bottom);
 }
 
-TEST(FontStyles, BoldIsWiderThanRegularWhetherRealOrSynthesised) {
+TEST(FontStyles, BoldIsWiderWhetherRealOrSynthesisedAndSynthesisedItalicLeansRight) {
   for (const wchar_t* face : {L"DejaVu Sans", L"SimSun"}) {
-    auto regular = OpenFont(face, 12, FW_NORMAL);
-    auto bold = OpenFont(face, 12, FW_BOLD);
+    auto regular = OpenFont(face, 12, FW_NORMAL), bold = OpenFont(face, 12, FW_BOLD);
     ASSERT_TRUE(regular && bold);
-    EXPECT_GT(bold->GetTextExtent(L"Hello World", -1).cx,
-              regular->GetTextExtent(L"Hello World", -1).cx) << face;
-    const TextLayout a = Draw(*regular, L"l");
-    const TextLayout b = Draw(*bold, L"l");
-    ASSERT_EQ(a.quads.size(), 1u);
-    ASSERT_EQ(b.quads.size(), 1u);
-    EXPECT_GT(Coverage(*bold, b.quads[0]), Coverage(*regular, a.quads[0])) << face;
+    EXPECT_GT(bold->GetTextExtent(L"Hello World", -1).cx, regular->GetTextExtent(L"Hello World", -1).cx) << face;
+    EXPECT_GT(Coverage(*bold, Draw(*bold, L"l").quads.at(0)), Coverage(*regular, Draw(*regular, L"l").quads.at(0)));
   }
   EXPECT_FALSE(OpenFont(L"DejaVu Sans", 12, FW_BOLD)->GetMetrics().syntheticBold);
   EXPECT_TRUE(OpenFont(L"SimSun", 12, FW_BOLD)->GetMetrics().syntheticBold);
   EXPECT_FALSE(OpenFont(L"SimSun", 12, 600 - 1)->GetMetrics().syntheticBold);
-}
+  EXPECT_FALSE(OpenFont(L"DejaVu Sans", 12, FW_NORMAL, true)->GetMetrics().syntheticItalic);
 
-TEST(FontStyles, SynthesisedItalicLeansRight) {
-  auto font = OpenFont(L"SimSun", 40, FW_NORMAL, true);
-  ASSERT_NE(font, nullptr);
-  EXPECT_TRUE(font->GetMetrics().syntheticItalic);
-  const TextLayout layout = Draw(*font, L"l");
-  ASSERT_EQ(layout.quads.size(), 1u);
-  const GlyphQuad& quad = layout.quads[0];
-  const AtlasPageView page = font->GetAtlasPage(quad.page);
+  auto italic = OpenFont(L"SimSun", 40, FW_NORMAL, true);
+  ASSERT_TRUE(italic->GetMetrics().syntheticItalic);
+  const GlyphQuad quad = Draw(*italic, L"l").quads.at(0);
+  const AtlasPageView page = italic->GetAtlasPage(quad.page);
   auto inkCentre = [&](int y) {
     long weighted = 0, total = 0;
     for (int x = quad.source.left; x < quad.source.right; ++x) {
@@ -147,92 +104,69 @@ TEST(FontStyles, SynthesisedItalicLeansRight) {
     }
     return total ? static_cast<double>(weighted) / total : 0.0;
   };
-  const int top = quad.source.top + 1;
-  const int bottom = quad.source.bottom - 2;
-  EXPECT_GT(inkCentre(top), inkCentre(bottom) + 2);
-  EXPECT_FALSE(OpenFont(L"DejaVu Sans", 12, FW_NORMAL, true)->GetMetrics().syntheticItalic);
+  EXPECT_GT(inkCentre(quad.source.top + 1), inkCentre(quad.source.bottom - 2) + 2);
 }
 
-TEST(GlyphAtlasUse, GenerationChangesOnlyWhenNewGlyphsAreRasterised) {
+TEST(GlyphAtlasUse, OnlyNewGlyphsAreRasterisedAndEveryQuadPointsAtInkEvenAcrossPages) {
   auto font = OpenFont(L"SimSun");
-  ASSERT_NE(font, nullptr);
   EXPECT_EQ(font->GetAtlasGeneration(), 0u);
   Draw(*font, L"abc");
   const auto first = font->GetAtlasGeneration();
   EXPECT_GT(first, 0u);
-  Draw(*font, L"abc");
   Draw(*font, L"cab bca");
-  EXPECT_EQ(font->GetAtlasGeneration(), first);
-  // Measuring needs advances only, never pixels.
-  TextLayout measured;
+  TextLayout measured;  // measuring needs advances only, never pixels
   font->Layout(L"xyz", -1, CRect(), DT_CALCRECT, measured);
   EXPECT_EQ(font->GetAtlasGeneration(), first);
   Draw(*font, L"abcd");
   EXPECT_GT(font->GetAtlasGeneration(), first);
-}
 
-TEST(GlyphAtlasUse, EveryQuadPointsAtInkOnItsPageEvenAcrossManyPages) {
-  auto font = TextFont::Create(MakeFont(L"SimSun", 24), 64);
-  ASSERT_NE(font, nullptr);
+  auto paged = TextFont::Create(MakeFont(L"SimSun", 24), 64);
   const wchar_t* text = L"天地玄黄宇宙洪荒日月盈昃辰宿列张寒来暑往秋收冬藏";
-  const TextLayout layout = Draw(*font, text, kDraw, CRect(0, 0, 2000, 50));
+  const TextLayout layout = Draw(*paged, text, CRect(0, 0, 2000, 50));
   ASSERT_EQ(layout.quads.size(), std::wcslen(text));
-  EXPECT_GT(font->GetAtlasPageCount(), 1);
+  EXPECT_GT(paged->GetAtlasPageCount(), 1);
   for (const GlyphQuad& quad : layout.quads) {
-    ASSERT_LT(quad.page, font->GetAtlasPageCount());
+    ASSERT_LT(quad.page, paged->GetAtlasPageCount());
     EXPECT_EQ(quad.source.Size(), quad.dest.Size());
-    EXPECT_GT(Coverage(*font, quad), 0);
+    EXPECT_GT(Coverage(*paged, quad), 0);
   }
   // The ARGB export carries the same coverage as alpha.
   const GlyphQuad& quad = layout.quads.back();
   std::vector<DWORD> texels(static_cast<size_t>(quad.source.Width()) * quad.source.Height());
-  font->CopyAtlasToArgb(quad.page, quad.source, texels.data(), quad.source.Width() * 4);
-  const std::vector<BYTE> coverage = Bitmap(*font, quad);
-  for (size_t i = 0; i < texels.size(); ++i) {
-    ASSERT_EQ(texels[i], (static_cast<DWORD>(coverage[i]) << 24) | 0x00FFFFFFu);
-  }
+  paged->CopyAtlasToArgb(quad.page, quad.source, texels.data(), quad.source.Width() * 4);
+  const std::vector<BYTE> coverage = Pixels(*paged, quad);
+  for (size_t i = 0; i < texels.size(); ++i) ASSERT_EQ(texels[i], (DWORD(coverage[i]) << 24) | 0x00FFFFFFu) << i;
 }
 
 TEST(Measuring, SharedFontsServeLabelWidthAndMenuCalcRect) {
   const LOGFONTW font = MakeFont(L"SimSun");
   EXPECT_EQ(TextFont::GetShared(font), TextFont::GetShared(MakeFont(L"simsun")));
   EXPECT_NE(TextFont::GetShared(font), TextFont::GetShared(MakeFont(L"SimSun", 12, FW_BOLD)));
-
   const CSize extent = MeasureTextExtent(font, L"Open File", -1);
   EXPECT_EQ(extent.cy, 12);
-  EXPECT_GT(extent.cx, 0);
   EXPECT_EQ(MeasureTextExtent(font, L"Open File and more", 9).cx, extent.cx);
   EXPECT_EQ(MeasureTextExtent(font, L"", -1), CSize(0, 12));
-
-  CRect rect(0, 0, 0, 0);
-  const int height = CalcTextRect(font, L"Open File", -1, rect, DT_NOCLIP);
-  EXPECT_EQ(height, 12);
+  CRect rect(0, 0, 0, 0), twoLines(3, 4, 3, 4);
+  EXPECT_EQ(CalcTextRect(font, L"Open File", -1, rect, DT_NOCLIP), 12);
   EXPECT_EQ(rect, CRect(0, 0, extent.cx, 12));
-
-  CRect twoLines(3, 4, 3, 4);
   EXPECT_EQ(CalcTextRect(font, L"Open\nFile", -1, twoLines, DT_NOCLIP), 24);
-  EXPECT_EQ(twoLines.Height(), 24);
-  EXPECT_EQ(twoLines.Width(), MeasureTextExtent(font, L"Open", -1).cx);
+  EXPECT_EQ(twoLines, CRect(3, 4, 3 + MeasureTextExtent(font, L"Open", -1).cx, 28));
 }
 
 TEST(Measuring, ConcurrentLayoutsOnOneFontMatchSerialOnes) {
   auto font = TextFont::GetShared(MakeFont(L"SimSun", 14));
-  ASSERT_NE(font, nullptr);
   const std::vector<std::wstring> texts{L"alpha beta", L"中文字符", L"gamma 测试", L"delta"};
   std::vector<std::vector<GlyphQuad>> results(texts.size());
   std::vector<std::thread> threads;
-  for (size_t i = 0; i < texts.size(); ++i) {
+  for (size_t i = 0; i < texts.size(); ++i)
     threads.emplace_back([&, i] {
       TextLayout layout;
-      for (int round = 0; round < 20; ++round) {
-        font->Layout(texts[i].c_str(), -1, CRect(0, 0, 300, 40), kDraw, layout);
-      }
+      for (int round = 0; round < 20; ++round) font->Layout(texts[i].c_str(), -1, CRect(0, 0, 300, 40), kDraw, layout);
       results[i] = layout.quads;
     });
-  }
   for (auto& thread : threads) thread.join();
   for (size_t i = 0; i < texts.size(); ++i) {
-    const TextLayout serial = Draw(*font, texts[i].c_str(), kDraw, CRect(0, 0, 300, 40));
+    const TextLayout serial = Draw(*font, texts[i].c_str(), CRect(0, 0, 300, 40));
     ASSERT_EQ(serial.quads.size(), results[i].size());
     for (size_t q = 0; q < serial.quads.size(); ++q) {
       EXPECT_EQ(serial.quads[q].dest, results[i][q].dest);

@@ -1,8 +1,10 @@
-#include "WindowTestSupport.h"
+#include <algorithm>
+
+#include <karvelui/Clipboard.h>
 #include <karvelui/WindowHelpers.h>
 #include "platform/MessageBoxHook.h"
-#include <karvelui/Clipboard.h>
 #include "platform/window/Shell.h"
+#include "support/WindowTesting.h"
 
 using namespace KarvelUI;
 using namespace KarvelTest;
@@ -46,6 +48,12 @@ TEST(ClipboardHelpers, TextRoundTripsAsUtf16UnderThePlainTextId) {
   expected = Utf16Bytes(u"elsewhere");
   expected.insert(expected.end(), {0, 0});
   EXPECT_EQ(data, expected);
+
+  EXPECT_FALSE(SetClipboardData(CF_TEXT, {65, 0, 0, 0}));  // data needs an open clipboard
+  ASSERT_TRUE(OpenClipboard(nullptr));
+  EXPECT_FALSE(OpenClipboard(nullptr));
+  EXPECT_TRUE(CloseClipboard());
+  EXPECT_FALSE(CloseClipboard());
 }
 
 TEST(ClipboardHelpers, FileDropBlockHasTheExactLayout) {
@@ -89,16 +97,7 @@ TEST(ClipboardHelpers, FilesGoOnTheClipboardWithTheirDropEffect) {
   EXPECT_TRUE(IsClipboardFormatAvailable(CF_TEXT));
 }
 
-TEST(ClipboardHelpers, DataNeedsAnOpenClipboard) {
-  ASSERT_TRUE(detail::EnsureVideo());
-  EXPECT_FALSE(SetClipboardData(CF_TEXT, {65, 0, 0, 0}));
-  ASSERT_TRUE(OpenClipboard(nullptr));
-  EXPECT_FALSE(OpenClipboard(nullptr));
-  EXPECT_TRUE(CloseClipboard());
-  EXPECT_FALSE(CloseClipboard());
-}
-
-TEST(WindowHelpers, TransparencyMakesTheWindowLayeredWithoutActivatingIt) {
+TEST(WindowHelpers, TransparencyMakesTheWindowLayeredWithoutActivatingItAndStatesFollowTheStyle) {
   RecordingWnd wnd, other;
   ASSERT_TRUE(MakeWindow(wnd, CRect(0, 0, 10, 10), WS_POPUP | WS_VISIBLE));
   ASSERT_TRUE(MakeWindow(other, CRect(0, 0, 10, 10), WS_POPUP | WS_VISIBLE));
@@ -118,18 +117,11 @@ TEST(WindowHelpers, TransparencyMakesTheWindowLayeredWithoutActivatingIt) {
   EXPECT_EQ(key, RGB(9, 8, 7));
   EXPECT_EQ(flags, LWA_ALPHA | LWA_COLORKEY);
   EXPECT_EQ(MakeWindowTransparent(nullptr, L'\x50', 0), 0u);
-}
 
-TEST(WindowHelpers, MinimisedAndMaximisedFollowTheStyleBits) {
-  RecordingWnd wnd;
-  ASSERT_TRUE(MakeWindow(wnd, CRect(0, 0, 10, 10), WS_POPUP | WS_VISIBLE));
-  EXPECT_FALSE(IsWndMinimized(wnd.m_hWnd));
-  EXPECT_FALSE(IsWndMaximized(wnd.m_hWnd));
   wnd.ShowWindow(SW_MAXIMIZE);
-  EXPECT_TRUE(IsWndMaximized(wnd.m_hWnd));
   wnd.ShowWindow(SW_MINIMIZE);
   EXPECT_TRUE(IsWndMinimized(wnd.m_hWnd));
-  wnd.ShowWindow(SW_RESTORE);
+  wnd.ShowWindow(SW_RESTORE);  // back to maximised
   EXPECT_FALSE(IsWndMinimized(wnd.m_hWnd));
   EXPECT_TRUE(IsWndMaximized(wnd.m_hWnd));
   EXPECT_FALSE(IsWndMinimized(nullptr));
@@ -178,31 +170,25 @@ class ShellCapture {
 
 }  // namespace
 
-TEST(SafeOpenWeb, OpensTheUrlItselfWhenTheLegacyBrowserIsNotTheDefault) {
-  ShellCapture capture({true});
-  CString url(L"  HTTPS://example.org/a?b=1 ");
-  SafeOpenWeb(url, SW_SHOWNORMAL);
-  ASSERT_EQ(capture.calls.size(), 1u);
-  EXPECT_EQ(capture.calls[0], (ShellCall{L"open", url, L"", SW_SHOWNORMAL}));
-  EXPECT_TRUE(capture.boxes.empty());
-}
-
-TEST(SafeOpenWeb, FallsBackToTheBrowserProgramAndThenTellsTheUser) {
-  {
-    ShellCapture capture({false, true});
-    CString url(L"http://example.org");
+TEST(SafeOpenWeb, OpensTheUrlThenTheBrowserProgramThenTellsTheUser) {
+  for (size_t failures = 0; failures <= 2; ++failures) {
+    SCOPED_TRACE(failures);
+    CString url(L"  HTTPS://example.org/a?b=1 ");
+    std::vector<bool> answers(failures, false);  // the shell fails `failures` times, then opens
+    answers.push_back(true);
+    ShellCapture capture(answers);
     SafeOpenWeb(url, SW_SHOW);
-    ASSERT_EQ(capture.calls.size(), 2u);
-    EXPECT_EQ(capture.calls[1], (ShellCall{L"open", L"IEXPLORE.EXE", url, SW_SHOW}));
-    EXPECT_TRUE(capture.boxes.empty());
+    ASSERT_EQ(capture.calls.size(), std::min<size_t>(failures + 1, 2));
+    EXPECT_EQ(capture.calls[0], (ShellCall{L"open", url, L"", SW_SHOW}));
+    if (failures > 0) {
+      EXPECT_EQ(capture.calls[1], (ShellCall{L"open", L"IEXPLORE.EXE", url, SW_SHOW}));
+    }
+    ASSERT_EQ(capture.boxes.size(), failures == 2 ? 1u : 0u);
+    if (failures == 2) {
+      EXPECT_EQ(capture.boxes[0].owner, nullptr);
+      EXPECT_EQ(capture.boxes[0].text, L"can't open iexplore.exe, please setup iexplore !");
+      EXPECT_EQ(capture.boxes[0].caption, L"tips message!");
+      EXPECT_EQ(capture.boxes[0].type, MB_ICONINFORMATION);
+    }
   }
-  ShellCapture capture({false, false});
-  CString url(L"http://example.org");
-  SafeOpenWeb(url, SW_SHOW);
-  EXPECT_EQ(capture.calls.size(), 2u);
-  ASSERT_EQ(capture.boxes.size(), 1u);
-  EXPECT_EQ(capture.boxes[0].owner, nullptr);
-  EXPECT_EQ(capture.boxes[0].text, L"can't open iexplore.exe, please setup iexplore !");
-  EXPECT_EQ(capture.boxes[0].caption, L"tips message!");
-  EXPECT_EQ(capture.boxes[0].type, MB_ICONINFORMATION);
 }

@@ -1,34 +1,43 @@
 #pragma once
 
-// Shared pieces of the window-layer tests: a hand-driven clock, a window
-// that records its messages, and helpers that feed SDL events the way the
-// desktop would.
+// Windows driven the way the desktop drives them: a hand-driven clock behind
+// both the message clock (window timers) and the performance counter
+// (animation time), a window that records its messages, and SDL events
+// pushed at windows.
 
 #include <SDL.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <atomic>
 #include <vector>
 
 #include <karvelui/Input.h>
 #include <karvelui/MessageQueue.h>
-#include "platform/window/NativeWindow.h"
 #include <karvelui/Wnd.h>
+#include "platform/Clock.h"
+#include "platform/window/NativeWindow.h"
 
 namespace KarvelTest {
 
 using namespace KarvelUI;
 
+inline constexpr LONGLONG kTicksPerMs = kPerformanceFrequency / 1000;
+
 class ManualClock : public IMessageClock {
  public:
-  ManualClock() { m_previous = SetMessageClock(this); }
-  ~ManualClock() override { SetMessageClock(m_previous); }
-  std::uint64_t NowMs() const override { return m_now.load(); }
-  void Advance(std::uint64_t ms) { m_now += ms; }
+  ManualClock() : m_previous(SetMessageClock(this)) { SetPerformanceCounterHook([this] { return m_ticks.load(); }); }
+  ~ManualClock() override {
+    SetPerformanceCounterHook(nullptr);
+    SetMessageClock(m_previous);
+  }
+  std::uint64_t NowMs() const override { return static_cast<std::uint64_t>(m_ticks.load() / kTicksPerMs); }
+  void Advance(std::int64_t ms) { m_ticks += ms * kTicksPerMs; }
+  void AdvanceTicks(std::int64_t ticks) { m_ticks += ticks; }
 
  private:
-  std::atomic<std::uint64_t> m_now{100000};
-  IMessageClock* m_previous = nullptr;
+  std::atomic<LONGLONG> m_ticks{100000 * kTicksPerMs};
+  IMessageClock* m_previous;
 };
 
 struct Received {
@@ -38,11 +47,12 @@ struct Received {
   LPARAM lParam;
 };
 
-// Records every message its window procedure sees (optionally only some).
+// Records every message its window procedure sees (only those listed in
+// `only` when it is not empty).
 class RecordingWnd : public CWnd {
  public:
   std::vector<Received> log;
-  std::vector<UINT> only;  // empty: record everything
+  std::vector<UINT> only;
 
   LRESULT WindowProc(UINT message, WPARAM wParam, LPARAM lParam) override {
     if (only.empty() || std::find(only.begin(), only.end(), message) != only.end())
@@ -62,16 +72,16 @@ class RecordingWnd : public CWnd {
   }
 };
 
-inline const wchar_t* TestClass(UINT style = CS_DBLCLKS) {
+inline const wchar_t* TestClass() {
   static const wchar_t* name = L"KarvelTestWindow";
   WNDCLASSW cls;
-  cls.style = style;
+  cls.style = CS_DBLCLKS;
   cls.lpszClassName = name;
   AfxRegisterClass(&cls);
   return name;
 }
 
-// A borderless top-level window (hidden unless style says otherwise).
+// A borderless top-level window (hidden unless the style says otherwise).
 inline bool MakeWindow(CWnd& wnd, const CRect& rect, DWORD style = WS_POPUP, DWORD exStyle = 0,
                        CWnd* parent = nullptr) {
   return wnd.CreateEx(exStyle, TestClass(), L"test", style, rect, parent, 0) != FALSE;
@@ -97,10 +107,7 @@ inline Uint32 SdlId(HWND hwnd) { return SDL_GetWindowID(detail::SdlWindowOf(hwnd
 inline void PushMotion(HWND hwnd, int x, int y, Uint32 buttons = 0) {
   SDL_Event e{};
   e.type = SDL_MOUSEMOTION;
-  e.motion.windowID = SdlId(hwnd);
-  e.motion.x = x;
-  e.motion.y = y;
-  e.motion.state = buttons;
+  e.motion = {SDL_MOUSEMOTION, 0, SdlId(hwnd), 0, buttons, x, y, 0, 0};
   SDL_PushEvent(&e);
 }
 
