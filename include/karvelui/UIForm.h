@@ -27,6 +27,7 @@
 namespace KarvelUI {
 
 class AnimationController;
+class CUICaption;
 class CToolTipCtrl;
 class DXCore;
 class _FormConfig;
@@ -47,16 +48,6 @@ class KARVELUI_API CUIPopupMenu : public CWnd {
   virtual void Release() = 0;
   // Closes the sub-menus opened from this one.
   virtual void ReleaseAll() = 0;
-};
-
-// What the form asks of its "FormCaption" child, when that child offers it:
-// whether a client point is on the caption's drag area, and to follow the
-// window's size changes (swapping its maximise and restore buttons).
-class KARVELUI_API IFormCaption {
- public:
-  virtual ~IFormCaption() = default;
-  virtual int IsHitCaption(int x, int y) = 0;
-  virtual void OnSize(UINT type) = 0;
 };
 
 class KARVELUI_API CUIForm : public CWnd, public CUIControl {
@@ -165,8 +156,13 @@ class KARVELUI_API CUIForm : public CWnd, public CUIControl {
   void OnTimer(UINT_PTR id) override;
 
   _FormConfig* GetFormConfig();
-  // The "FormCaption" child when it takes part in hit testing and sizing.
-  IFormCaption* GetFormCaption();
+  // The root's direct child named "FormCaption" when it is a caption. This
+  // and the two below are defined with the caption, in the controls layer.
+  CUICaption* GetFormCaption();
+  // The caption's IsHitCaption for a client point, 0 without a caption.
+  int HitFormCaption(const CPoint& point);
+  // Tells the caption about a size change of the window.
+  void SizeFormCaption(UINT type);
 
  private:
   struct AnimationReleaser {
