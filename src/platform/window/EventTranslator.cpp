@@ -7,6 +7,7 @@
 
 #include "platform/window/KeyMap.h"
 #include "platform/window/MoveSize.h"
+#include "platform/window/X11Desktop.h"
 #include <karvelui/MessageQueue.h>
 #include "platform/window/NativeWindow.h"
 #include "platform/window/WindowState.h"
@@ -163,7 +164,7 @@ class DesktopEventSource final : public IEventSource {
     CPoint screen;
     if (!ToScreen(e.windowID, e.x, e.y, source, screen)) return;
     if (m_moveSize.Active()) {
-      m_moveSize.Follow(GlobalCursor());
+      m_moveSize.Follow(GlobalCursor(source, screen));
       return;
     }
     InputState& in = Input();
@@ -227,13 +228,15 @@ class DesktopEventSource final : public IEventSource {
         PostMessageW(hit.hwnd, WM_SYSCOMMAND, (s->style & WS_MAXIMIZE) ? SC_RESTORE : SC_MAXIMIZE, 0);
       return;
     }
-    m_moveSize.Begin(hit.hwnd, hit.code, GlobalCursor());
+    m_moveSize.Begin(hit.hwnd, hit.code, GlobalCursor(hit.hwnd, Input().cursor));
   }
 
-  static CPoint GlobalCursor() {
-    int x = 0, y = 0;
-    SDL_GetGlobalMouseState(&x, &y);
-    return CPoint(x, y);
+  // The cursor on screen, asked of the desktop: while a window moves under
+  // it, the event's window-relative point may be older than the move.
+  static CPoint GlobalCursor(HWND hwnd, const CPoint& fallback) {
+    CPoint screen = fallback;
+    if (!GetX11Pointer(SdlWindowOf(hwnd), screen)) screen = fallback;
+    return screen;
   }
 
   static void ClickActivate(HWND target) {
@@ -310,6 +313,10 @@ class DesktopEventSource final : public IEventSource {
       case SDL_WINDOWEVENT_MAXIMIZED: DesktopMaximized(hwnd); break;
       case SDL_WINDOWEVENT_RESTORED: DesktopRestored(hwnd); break;
       case SDL_WINDOWEVENT_EXPOSED: InvalidateRect(hwnd, nullptr, FALSE); break;
+      case SDL_WINDOWEVENT_SHOWN:
+        // A window hidden as minimised (no window manager) was mapped by someone else.
+        if (s->native->ShownAgainByDesktop()) DesktopRestored(hwnd);
+        break;
       case SDL_WINDOWEVENT_LEAVE:
         if (in.tracking.hwnd && IsSelfOrDescendant(hwnd, in.tracking.hwnd)) EndTracking();
         break;

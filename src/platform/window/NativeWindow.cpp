@@ -183,8 +183,11 @@ void NativeWindow::Recreate(const CRect& screenRect) {
 
 void NativeWindow::Show(bool activate) {
   SDL_SetHint(SDL_HINT_WINDOW_NO_ACTIVATION_WHEN_SHOWN, activate ? "0" : "1");
+  const bool ownFocus = DriverIs("x11") && !HasX11WindowManager(m_window);
+  const unsigned long focus = ownFocus && !activate ? GetX11InputFocus(m_window) : 0;
   SDL_ShowWindow(m_window);
-  if (activate) SDL_RaiseWindow(m_window);
+  if (activate) Raise();
+  if (ownFocus && !activate) SetX11InputFocus(m_window, focus);  // SDL focused it anyway
   m_visible = true;
 }
 
@@ -193,7 +196,11 @@ void NativeWindow::Hide() {
   m_visible = false;
 }
 
-void NativeWindow::Raise() { SDL_RaiseWindow(m_window); }
+void NativeWindow::Raise() {
+  SDL_RaiseWindow(m_window);
+  // Without a window manager nobody else gives an activated window the keys.
+  if (DriverIs("x11") && !HasX11WindowManager(m_window)) FocusX11Window(m_window);
+}
 // A bare X server has no window manager to iconify a window: it is hidden
 // instead, as a desktop without a task bar would show a minimised window.
 void NativeWindow::Minimize() {
@@ -203,6 +210,12 @@ void NativeWindow::Minimize() {
     return;
   }
   SDL_MinimizeWindow(m_window);
+}
+
+bool NativeWindow::ShownAgainByDesktop() {
+  if (!m_hiddenAsMinimized) return false;
+  m_hiddenAsMinimized = false;
+  return true;
 }
 
 void NativeWindow::Restore() {

@@ -50,6 +50,8 @@ class NativeWindow {
   void Raise();
   void Minimize();
   void Restore();
+  // True once when the desktop showed the window again after Minimize hid it.
+  bool ShownAgainByDesktop();
   void SetTopmost(bool topmost);
   void SetResizable(bool resizable);
   void SetBordered(bool bordered);

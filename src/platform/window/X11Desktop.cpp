@@ -65,11 +65,46 @@ bool ClearX11WindowShape(SDL_Window* window) {
   return true;
 }
 
+bool GetX11Pointer(SDL_Window* window, CPoint& screen) {
+  X11Window x;
+  if (!Resolve(window, x)) return false;
+  Window root = None, child = None;
+  int rootX = 0, rootY = 0, winX = 0, winY = 0;
+  unsigned mask = 0;
+  if (!XQueryPointer(x.display, x.window, &root, &child, &rootX, &rootY, &winX, &winY, &mask)) return false;
+  screen = CPoint(rootX, rootY);
+  return true;
+}
+
 bool HasX11WindowManager(SDL_Window* window) {
   X11Window x;
   if (!Resolve(window, x)) return false;
   const std::string selection = "WM_S" + std::to_string(DefaultScreen(x.display));
   return XGetSelectionOwner(x.display, XInternAtom(x.display, selection.c_str(), False)) != None;
+}
+
+unsigned long GetX11InputFocus(SDL_Window* window) {
+  X11Window x;
+  if (!Resolve(window, x)) return 0;
+  Window focus = None;
+  int revert = 0;
+  XGetInputFocus(x.display, &focus, &revert);
+  return focus;
+}
+
+void SetX11InputFocus(SDL_Window* window, unsigned long focus) {
+  X11Window x;
+  if (!Resolve(window, x) || focus == None || focus == PointerRoot) return;
+  // Focusing a window that is not viewable is an X error, which ends the program.
+  XWindowAttributes attributes;
+  if (!XGetWindowAttributes(x.display, focus, &attributes) || attributes.map_state != IsViewable) return;
+  XSetInputFocus(x.display, focus, RevertToPointerRoot, CurrentTime);
+  XFlush(x.display);
+}
+
+void FocusX11Window(SDL_Window* window) {
+  X11Window x;
+  if (Resolve(window, x)) SetX11InputFocus(window, x.window);
 }
 
 }  // namespace KarvelUI::detail
