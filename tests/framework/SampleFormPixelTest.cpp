@@ -69,7 +69,7 @@ TEST_F(SampleFormPixelTest, TheBorderPictureFramesTheWindowInEachSkin) {
   ExpectSkin(Paint(), kGraphite);
 
   Manager()->SetCurrentSkin(L"Ocean");
-  EXPECT_EQ(form->GetAssData().m_rcMargin, CRect(12, 40, 12, 12));
+  EXPECT_EQ(form->GetAssData().m_rcMargin, CRect(12, 0, 12, 12));
   ExpectSkin(Paint(), kOcean);
 }
 
