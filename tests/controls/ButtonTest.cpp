@@ -82,15 +82,6 @@ TEST_F(ButtonTest, ADisabledButtonHandlesNothingAndClicksNever) {
   EXPECT_EQ(button->GetButtonStatus(), UIBUTTON_NORMAL);
 }
 
-TEST_F(ButtonTest, FocusMakesItTheFormsKeyFocusControl) {
-  CUIButton* button = MakeButton();
-  button->SetFocused(TRUE);
-  EXPECT_EQ(form->GetKeyFocusControl(), button);
-  EXPECT_EQ(button->GetButtonStatus(), UIBUTTON_HOVER);
-  button->SetFocused(FALSE);
-  EXPECT_EQ(button->GetButtonStatus(), UIBUTTON_NORMAL);
-}
-
 TEST(ButtonConfigTest, ReadFillsTheFocusColourAndTheShadowOffsetOnlyWhereTheSkinIsSilent) {
   LoadedXml xml(R"(<R><B IsTextShadow="true" ColorTextShadow="1, 2, 3"><Font TextColor="10, 20, 30"/></B>
                    <C IsTextShadow="true" TextShadowOffset="3, 4" ColorTextFocus="40, 50, 60"/></R>)");

@@ -1,13 +1,15 @@
 // The sample viewer in a real X server: its own Xvfb on a free display, the
 // viewer on SDL's x11 driver, its window found on the screen and its pixels
 // read back from the server (not from GL). The skin's caption and border
-// must be there (assets/README.md); dragging the caption moves the window;
-// a click on the caption's close button ends the program with exit code 0.
+// must be there (assets/README.md); Tab shows a tool button's keyboard
+// focus; dragging the caption moves the window; a click on the caption's
+// close button ends the program with exit code 0.
 
 #include <gtest/gtest.h>
 
 #include <X11/Xlib.h>
 #include <X11/Xutil.h>
+#include <X11/keysym.h>
 #include <X11/extensions/XTest.h>
 #include <poll.h>
 #include <signal.h>
@@ -43,6 +45,10 @@ constexpr unsigned kSide = 0x3A3E45;      // side border and bottom band
 constexpr unsigned kCentre = 0x2B2E33;    // centre fill
 constexpr int kCloseFromRight = 22;       // the close button's centre, from the right edge
 constexpr int kCloseY = 16;
+// The focus outline's left column on btnNext, the first Tab's button: the
+// tool bar's panel starts 8 right of the window and 52 above its bottom.
+constexpr int kNextOutlineX = 8 + 42 + 2;
+constexpr int kNextOutlineFromBottom = 52 - 6 - 16;
 const char* const kTitle = "KarvelView";
 
 bool WaitFor(std::chrono::steady_clock::duration timeout, const std::function<bool()>& done) {
@@ -61,7 +67,6 @@ class Child {
   ~Child() { Stop(); }
   Child(const Child&) = delete;
   Child& operator=(const Child&) = delete;
-  pid_t Pid() const { return m_pid; }
 
   // The exit status once the process ended within the timeout.
   std::optional<int> WaitExit(std::chrono::steady_clock::duration timeout) {
@@ -78,7 +83,7 @@ class Child {
   void Stop() {
     if (m_pid <= 0) return;
     kill(m_pid, SIGTERM);
-    if (!WaitExit(std::chrono::seconds(5))) {
+    if (!WaitExit(std::chrono::seconds(5)) && m_pid > 0) {
       kill(m_pid, SIGKILL);
       waitpid(m_pid, nullptr, 0);
     }
@@ -119,17 +124,16 @@ struct XServer {
     close(fds[1]);
     std::string number;
     pollfd wait{fds[0], POLLIN, 0};
-    const auto end = Clock::now() + kStartTimeout;
     char c = 0;
+    const auto end = Clock::now() + kStartTimeout;
     while (Clock::now() < end && poll(&wait, 1, 100) >= 0) {
       if (!(wait.revents & (POLLIN | POLLHUP))) continue;
       if (read(fds[0], &c, 1) != 1 || c == '\n') break;
       number += c;
     }
     close(fds[0]);
-    if (number.empty()) return false;
     display = ":" + number;
-    return true;
+    return !number.empty();
   }
 };
 
@@ -174,9 +178,8 @@ class ViewerXvfbTest : public testing::Test {
       XWindowAttributes attributes;
       char* name = nullptr;
       if (XGetWindowAttributes(display.get(), children[i], &attributes) && attributes.map_state == IsViewable &&
-          XFetchName(display.get(), children[i], &name) && name) {
-        if (std::string(name) == kTitle) found = children[i];
-      }
+          XFetchName(display.get(), children[i], &name) && name && std::string(name) == kTitle)
+        found = children[i];
       if (name) XFree(name);
     }
     if (children) XFree(children);
@@ -216,13 +219,15 @@ class ViewerXvfbTest : public testing::Test {
     FreeImage_Unload(bitmap);
   }
 
-  void MoveMouse(int x, int y) {
-    XTestFakeMotionEvent(display.get(), -1, x, y, CurrentTime);
-    XFlush(display.get());
-    std::this_thread::sleep_for(std::chrono::milliseconds(100));
+  // XTest's pointer, with a pause for the viewer to follow.
+  void MoveMouse(int x, int y) { Settle(XTestFakeMotionEvent(display.get(), -1, x, y, CurrentTime)); }
+  void Button(bool down) { Settle(XTestFakeButtonEvent(display.get(), 1, down ? True : False, CurrentTime)); }
+  void Key(KeySym key) {
+    const KeyCode code = XKeysymToKeycode(display.get(), key);
+    XTestFakeKeyEvent(display.get(), code, True, CurrentTime);
+    Settle(XTestFakeKeyEvent(display.get(), code, False, CurrentTime));
   }
-  void Button(bool down) {
-    XTestFakeButtonEvent(display.get(), 1, down ? True : False, CurrentTime);
+  void Settle(int) {
     XFlush(display.get());
     std::this_thread::sleep_for(std::chrono::milliseconds(100));
   }
@@ -254,6 +259,12 @@ TEST_F(ViewerXvfbTest, TheWindowShowsItsSkinMovesByItsCaptionAndClosesByItsButto
   EXPECT_EQ(Rgb(screen.get(), r.x + r.width - 5, r.y + r.height / 2), kSide);
   EXPECT_EQ(Rgb(screen.get(), r.x + r.width / 2, r.y + r.height - 4), kSide);
   EXPECT_EQ(Rgb(screen.get(), r.x + r.width / 2, r.y + r.height / 2), kCentre);
+
+  Key(XK_Tab);
+  ASSERT_TRUE(WaitFor(kPaintTimeout, [&] {
+    screen = Screen();
+    return Rgb(screen.get(), r.x + kNextOutlineX, r.y + r.height - kNextOutlineFromBottom) == kAccent;
+  })) << "Tab showed no keyboard focus";
 
   // Drag the caption 60 pixels right and 40 down.
   MoveMouse(r.x + 300, r.y + 16);
