@@ -82,25 +82,16 @@ TEST_F(ButtonTest, ADisabledButtonHandlesNothingAndClicksNever) {
   EXPECT_EQ(button->GetButtonStatus(), UIBUTTON_NORMAL);
 }
 
-TEST(ButtonConfigTest, ReadFillsTheFocusColourAndTheShadowOffsetOnlyWhereTheSkinIsSilent) {
-  LoadedXml xml(R"(<R><B IsTextShadow="true" ColorTextShadow="1, 2, 3"><Font TextColor="10, 20, 30"/></B>
-                   <C IsTextShadow="true" TextShadowOffset="3, 4" ColorTextFocus="40, 50, 60"/></R>)");
-  ASSERT_TRUE(xml.Loaded());
-  _ButtonConfig b;
-  CSkinReader readerB(xml.Node(L"R B"));
-  ASSERT_EQ(b.Read(&readerB), 1);
-  EXPECT_EQ(b.m_clrText, 0xFF0A141Eu);
-  EXPECT_EQ(b.m_clrTextFocus, b.m_clrText);
-  EXPECT_EQ(b.m_ptTextShadowOffset, CPoint(1, 1));
-  _ButtonConfig c;
-  CSkinReader readerC(xml.Node(L"R C"));
-  c.Read(&readerC);
-  EXPECT_EQ(c.m_clrTextFocus, 0xFF28323Cu);
-  EXPECT_EQ(c.m_ptTextShadowOffset, CPoint(3, 4));
-  // The offset is the one field a copy leaves alone.
-  b.Copy(&c);
-  EXPECT_EQ(b.m_clrTextFocus, 0xFF28323Cu);
-  EXPECT_EQ(b.m_ptTextShadowOffset, CPoint(1, 1));
+TEST(ButtonConfigTest, AShadowWithoutAnOffsetFallsOneDownRightAndTheFocusColourOnTheTextColour) {
+  LoadedXml xml(R"(<B IsTextShadow="true"><Font TextColor="10, 20, 30"/></B>)");
+  _ButtonConfig read, copy;
+  CSkinReader reader(xml.Node(L"B"));
+  ASSERT_EQ(read.Read(&reader), 1);
+  EXPECT_EQ(read.m_clrTextFocus, 0xFF0A141Eu);
+  EXPECT_EQ(read.m_ptTextShadowOffset, CPoint(1, 1));
+  copy.Copy(&read);  // everything but the offset, deliberately
+  EXPECT_EQ(copy.m_clrTextFocus, 0xFF0A141Eu);
+  EXPECT_EQ(copy.m_ptTextShadowOffset, CPoint(0, 0));
 }
 
 // --- auto-repeat ------------------------------------------------------------------------------
