@@ -52,24 +52,24 @@ struct TestConfig : public _SkinConfig {
   _ImageConfig m_image;
 };
 
-const char kBuild[] = "<BuildRoot><MainForm><ok type=\"CUIButton\" css=\"ok\"/></MainForm></BuildRoot>";
+const char kBuild[] = "<BuildRoot><MainForm><ok type=\"TestButton\" css=\"ok\"/></MainForm></BuildRoot>";
 const char kSkinList[] =
     "<SkinsRoot><Skin Name=\"Default\" Text=\"Classic\"/><Skin Name=\"Blue\" Text=\"Deep blue\"/>"
     "<Other Name=\"Broken\" Text=\"Broken one\"/></SkinsRoot>";
 const char kDefaultSkin[] =
     "<UIRoot><css>"
-    "<CUIButton><ok Color=\"10, 20, 30\" Size=\"5\"><Image File=\"ok.png\"/></ok>"
-    "<onlyDefault Size=\"8\"><Image File=\"def.png\"/></onlyDefault></CUIButton>"
+    "<TestButton><ok Color=\"10, 20, 30\" Size=\"5\"><Image File=\"ok.png\"/></ok>"
+    "<onlyDefault Size=\"8\"><Image File=\"def.png\"/></onlyDefault></TestButton>"
     "<CUIBottomPanel><bar Size=\"1\"/></CUIBottomPanel>"
     "<text><Title TextColor=\"1, 2, 3\" FontFace=\"DejaVu Sans\" FontSize=\"20\" FontBold=\"true\"/>"
     "<Small FontSize=\"9\"/></text>"
     "</css><ass>"
-    "<CUIButton><ok Bounds=\"1, 2, 3, 4\" DockStyle=\"left\"/></CUIButton>"
+    "<TestButton><ok Bounds=\"1, 2, 3, 4\" DockStyle=\"left\"/></TestButton>"
     "</ass></UIRoot>";
 const char kBlueSkin[] =
-    "<UIRoot><css><CUIButton><ok Size=\"7\"><Image File=\"blue-ok.png\"/></ok></CUIButton>"
+    "<UIRoot><css><TestButton><ok Size=\"7\"><Image File=\"blue-ok.png\"/></ok></TestButton>"
     "<text><Title TextColor=\"200, 0, 0\"/></text></css>"
-    "<ass><CUIButton><ok AnchorStyle=\"center\"/></CUIButton></ass></UIRoot>";
+    "<ass><TestButton><ok AnchorStyle=\"center\"/></TestButton></ass></UIRoot>";
 
 class SkinDataTest : public KarvelTest::SkinManagerTest {
  protected:
@@ -85,11 +85,11 @@ class SkinDataTest : public KarvelTest::SkinManagerTest {
   CUISkinManager* Loaded() {
     CUISkinManager* manager = Manager();
     EXPECT_EQ(manager->InitSkinData(), 1);
-    manager->RegisterSkinCreateor(L"CUIButton", new TestConfig());
+    manager->RegisterSkinCreateor(L"TestButton", new TestConfig());
     return manager;
   }
 
-  TestConfig* Css(const wchar_t* css, const wchar_t* type = L"CUIButton") {
+  TestConfig* Css(const wchar_t* css, const wchar_t* type = L"TestButton") {
     _SkinConfig* out = nullptr;
     Manager()->ReadCssData(css, type, out);
     m_configs.emplace_back(out);
@@ -190,9 +190,9 @@ TEST_F(SkinDataTest, MissingOrEmptyCssLeavesTheOutputAlone) {
   KarvelTest::TraceCapture trace;
   _SkinConfig* stale = reinterpret_cast<_SkinConfig*>(0x1234);
   _SkinConfig* out = stale;
-  Manager()->ReadCssData(L"", L"CUIButton", out);
+  Manager()->ReadCssData(L"", L"TestButton", out);
   EXPECT_EQ(out, stale);
-  Manager()->ReadCssData(L"nothing", L"CUIButton", out);
+  Manager()->ReadCssData(L"nothing", L"TestButton", out);
   EXPECT_EQ(out, stale);
   Manager()->ReadCssData(L"ok", L"CUIUnknown", out);  // no entry: silent
   EXPECT_EQ(out, stale);
@@ -211,19 +211,19 @@ TEST_F(SkinDataTest, ReplacingAPrototypeDoesNotReleaseTheOldOne) {
   auto* first = new TestConfig();
   auto* second = new TestConfig();
   second->m_strTag = L"second";
-  manager->RegisterSkinCreateor(L"CUILabel", first);
-  manager->RegisterSkinCreateor(L"CUILabel", second);
+  manager->RegisterSkinCreateor(L"TestLabel", first);
+  manager->RegisterSkinCreateor(L"TestLabel", second);
   EXPECT_EQ(TestConfig::s_released, 0);
-  Write("Theme/Default/KarvelView.xml", "<UIRoot><css><CUILabel><title Size=\"4\"/></CUILabel></css></UIRoot>");
+  Write("Theme/Default/KarvelView.xml", "<UIRoot><css><TestLabel><title Size=\"4\"/></TestLabel></css></UIRoot>");
   manager->InitSkinData();
-  TestConfig* title = Css(L"title", L"CUILabel");
+  TestConfig* title = Css(L"title", L"TestLabel");
   ASSERT_NE(title, nullptr);
   EXPECT_EQ(title->m_strTag, L"second");
   EXPECT_EQ(title->m_nSize, 4);
 
   m_configs.clear();
   EXPECT_EQ(TestConfig::s_released, 1);
-  CUISkinManager::FreeInstance();  // releases "CUIButton" and the second "CUILabel"
+  CUISkinManager::FreeInstance();  // releases "TestButton" and the second "TestLabel"
   EXPECT_EQ(TestConfig::s_released, 3);
   first->Release();
 }
@@ -270,7 +270,7 @@ TEST_F(SkinDataTest, AssDataReadsOntoTheCallersRecord) {
   CUISkinManager* manager = Loaded();
   _AssData data;
   data.m_strTipID = L"tip";
-  manager->ReadAssData(L"ok", L"CUIButton", &data);
+  manager->ReadAssData(L"ok", L"TestButton", &data);
   EXPECT_EQ(data.m_rcBounds, CRect(1, 2, 4, 6));
   EXPECT_EQ(data.m_nStyle, DOCK_LEFT);
   EXPECT_EQ(data.m_strTipID, L"tip");
@@ -278,16 +278,16 @@ TEST_F(SkinDataTest, AssDataReadsOntoTheCallersRecord) {
   manager->SetSkinFile(L"Blue");
   _AssData blue;
   blue.m_rcBounds = CRect(7, 7, 8, 8);
-  manager->ReadAssData(L"ok", L"CUIButton", &blue);
+  manager->ReadAssData(L"ok", L"TestButton", &blue);
   EXPECT_EQ(blue.m_nStyle, ANCHOR_CENTER);
   EXPECT_EQ(blue.m_rcBounds, CRect(7, 7, 8, 8));  // not taken from the default skin
 
   _AssData untouched;
   untouched.m_nStyle = 5;
-  manager->ReadAssData(L"missing", L"CUIButton", &untouched);
-  manager->ReadAssData(L"", L"CUIButton", &untouched);
+  manager->ReadAssData(L"missing", L"TestButton", &untouched);
+  manager->ReadAssData(L"", L"TestButton", &untouched);
   EXPECT_EQ(untouched.m_nStyle, 5);
-  manager->ReadAssData(L"ok", L"CUIButton", nullptr);
+  manager->ReadAssData(L"ok", L"TestButton", nullptr);
 }
 
 namespace {
@@ -375,14 +375,14 @@ int g_menu = 0;
 CUIControl* const kButton = reinterpret_cast<CUIControl*>(&g_button);
 CUIControl* const kMenu = reinterpret_cast<CUIControl*>(&g_menu);
 
-CUIControl* BuiltInCreator(const CString& type) { return type == L"CUIButton" ? kButton : nullptr; }
+CUIControl* BuiltInCreator(const CString& type) { return type == L"TestButton" ? kButton : nullptr; }
 CUIControl* HostCreator(const CString& type) {
   if (type == L"CUIMenu") return kMenu;
-  return type == L"CUIButton" ? kMenu : nullptr;  // cannot win over the built-in one
+  return type == L"TestButton" ? kMenu : nullptr;  // cannot win over the built-in one
 }
 void RegisterBuiltIns(CUISkinManager& manager) {
   manager.RegisterObjectCreateor(&BuiltInCreator);
-  manager.RegisterSkinCreateor(L"CUIButton", new TestConfig());
+  manager.RegisterSkinCreateor(L"TestButton", new TestConfig());
 }
 }  // namespace
 
@@ -392,9 +392,9 @@ TEST_F(SkinDataTest, CreatorsAreAskedInRegistrationOrderWithTheBuiltInOneFirst) 
   CUISkinManager::SetBuiltInRegistration(nullptr);
   EXPECT_EQ(manager->CreateSkinObject(L"CUIMenu"), nullptr);
   EXPECT_EQ(manager->RegisterObjectCreateor(&HostCreator), 1);
-  EXPECT_EQ(manager->CreateSkinObject(L"CUIButton"), kButton);
+  EXPECT_EQ(manager->CreateSkinObject(L"TestButton"), kButton);
   EXPECT_EQ(manager->CreateSkinObject(L"CUIMenu"), kMenu);
-  EXPECT_EQ(manager->CreateSkinObject(L"cuibutton"), nullptr);
+  EXPECT_EQ(manager->CreateSkinObject(L"testbutton"), nullptr);
 
   // The built-in prototype answers css lookups.
   ASSERT_EQ(manager->InitSkinData(), 1);
