@@ -10,6 +10,8 @@ PACKAGES=(
   libgl1-mesa-dri libegl-mesa0 libegl1 libgles2
   fonts-dejavu-core fonts-wqy-zenhei
   libgtest-dev libgmock-dev libbenchmark-dev
+  libx11-dev libxext-dev
+  xvfb x11-utils xdotool libxtst-dev
 )
 
 missing=()

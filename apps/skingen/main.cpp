@@ -1,9 +1,10 @@
 // skingen <assets folder>
 //
 // Draws every picture of the sample assets: each skin's form border and
-// menu pictures under Theme/<skin>/images/ and the demo photos under Photos/. The XML files and
-// the string table beside them are written by hand; the border and menu
-// pieces' rectangles for a skin's KarvelView.xml are printed on stdout.
+// control and menu pictures under Theme/<skin>/images/ and the demo photos
+// under Photos/. The XML files and the string table beside them are written
+// by hand; the rectangles a skin's KarvelView.xml names in the pictures are
+// printed on stdout.
 // Same program, same bytes: nothing depends on time or on the machine.
 
 #include <filesystem>
@@ -11,6 +12,7 @@
 #include <iostream>
 #include <system_error>
 
+#include "Controls.h"
 #include "FormBorder.h"
 #include "ImageFiles.h"
 #include "MenuPicture.h"
@@ -38,6 +40,17 @@ constexpr MenuColours kGraphiteMenu{0xFF15171A, 0xFF2F3238, 0xFF4A505A, 0xFFE8A3
 // Ocean's menu: deep blue with cyan marks.
 constexpr MenuColours kOceanMenu{0xFF06141F, 0xFF123A5C, 0xFF2470A6, 0xFF3FC1E8, 0xFF7FD8F2,
                                  0xFF06141F, 0xFF3A5A74, 0xFF2A6A98, 0xFFC8ECFA, 0xFFFFFFFF};
+// Light glyphs on the dark bands, the border's accent for focus and fill.
+constexpr ControlStyle kGraphiteControls{
+    32, 5, 20, 28, 20, 20,
+    {0xFFD5D8DE, 0xFF6A6F78, 0xFF4A4F58, 0xFF202226, 0xFF5E646E, 0xFFE8A33D, 0xFFD0463C, 0xFF9E2F27, 0xFF202226,
+     0xFF464B53, 0xFF393D44, 0xFF2E3137, 0xFF1C1E22, 0xFF141518, 0xFFC9CDD4, 0xFFFFFFFF, 0xFF5B8FC7, 0xFF3E7D3A,
+     0xFFE8A33D}};
+constexpr ControlStyle kOceanControls{
+    32, 8, 20, 32, 24, 24,
+    {0xFFD8F0FA, 0xFF4A7A9A, 0xFF2A6A98, 0xFF0B2A42, 0xFF4A92C4, 0xFF3FC1E8, 0xFFD0463C, 0xFF9E2F27, 0xFF0D2C44,
+     0xFF2F6E9C, 0xFF1E5783, 0xFF164468, 0xFF0A2236, 0xFF06141F, 0xFFCDEBF7, 0xFFFFFFFF, 0xFF3FC1E8, 0xFF1A4E75,
+     0xFFFFE08A}};
 
 bool MakeFolder(const fs::path& folder) {
   std::error_code error;
@@ -46,11 +59,21 @@ bool MakeFolder(const fs::path& folder) {
   return !error;
 }
 
-bool WriteSkin(const fs::path& assets, const char* skin, const BorderStyle& style) {
+bool WriteControls(const fs::path& images, const ControlStyle& style) {
+  return SavePng(DrawToolButtonStates(style), images / "ToolButton.png") &&
+         SavePng(DrawToolIcons(style), images / "ToolIcons.png") &&
+         SavePng(DrawSysButtons(style), images / "SysButtons.png") && SavePng(DrawAppIcon(style), images / "AppIcon.png") &&
+         SavePng(DrawSlider(style), images / "Slider.png") && SavePng(DrawToolBar(style), images / "ToolBar.png");
+}
+
+bool WriteSkin(const fs::path& assets, const char* skin, const BorderStyle& style, const ControlStyle& controls) {
   const fs::path images = assets / "Theme" / skin / "images";
   if (!MakeFolder(images) || !SavePng(DrawFormBorder(style), images / "FormBorder.png")) return false;
+  if (!WriteControls(images, controls)) return false;
   std::cout << "Theme/" << skin << "/KarvelView.xml, css CUIForm Main:\n";
   WriteImageElement(std::cout, style, "FormBorder.png");
+  std::cout << "Theme/" << skin << "/KarvelView.xml, controls:\n";
+  WriteControlRects(std::cout, controls);
   return true;
 }
 
@@ -90,9 +113,9 @@ int main(int argc, char** argv) {
     return 2;
   }
   const fs::path assets = argv[1];
-  const bool written =
-      WriteSkin(assets, "Default", kGraphite) && WriteSkin(assets, "Ocean", kOcean) &&
-      WriteMenu(assets, "Default", kGraphiteMenu) && WriteMenu(assets, "Ocean", kOceanMenu) &&
-      WritePhotos(assets / "Photos");
+  const bool written = WriteSkin(assets, "Default", kGraphite, kGraphiteControls) &&
+                       WriteSkin(assets, "Ocean", kOcean, kOceanControls) &&
+                       WriteMenu(assets, "Default", kGraphiteMenu) && WriteMenu(assets, "Ocean", kOceanMenu) &&
+                       WritePhotos(assets / "Photos");
   return written ? 0 : 1;
 }

@@ -1,9 +1,19 @@
 #pragma once
 
-// The viewer's main window: the skin's "MainForm" build node. Closing it
-// ends the program.
+// The viewer's main window: the skin's "MainForm" build node. A caption
+// with the system buttons, and a tool bar along the bottom with the
+// picture buttons, the zoom slider and a status line; the space between
+// them is left for the picture. Tab and Shift+Tab walk the tool bar's
+// buttons, Space and Enter press the focused one. Closing the window ends
+// the program.
 
 #include <karvelui/UIForm.h>
+
+namespace KarvelUI {
+class CUIButton;
+class CUILabel;
+class CUISlider;
+}  // namespace KarvelUI
 
 namespace KarvelView {
 
@@ -13,10 +23,33 @@ class CMainForm : public KarvelUI::CUIForm {
   bool Open();
   ~CMainForm() override;
 
+  // The tool bar's picture buttons, in tab order.
+  static constexpr const wchar_t* kToolButtons[] = {L"btnPrev", L"btnNext", L"btnRotateLeft", L"btnRotateRight",
+                                                    L"btnFit", L"btnActualSize", L"btnSkin"};
+
+  void OnSkinChanged() override;
+  KarvelUI::LRESULT WindowProc(KarvelUI::UINT message, KarvelUI::WPARAM wParam, KarvelUI::LPARAM lParam) override;
+  // Space and Enter reaching the root from the focused button press it.
+  int OnKeyMessage(KarvelUI::UINT message, KarvelUI::UINT wParam, KarvelUI::UINT repeat,
+                   KarvelUI::UINT flags) override;
+
  protected:
-  // The top band of the frame drags the window where no caption control
-  // claims it.
-  KarvelUI::LRESULT OnNcHitTest(KarvelUI::CPoint screenPoint) override;
+  void OnSize(KarvelUI::UINT type, int cx, int cy) override;
+
+ private:
+  void FindControls();
+  void OnButtonClick(KarvelUI::CUIControl* sender, void* param);
+  void OnZoomChanged(KarvelUI::CUIControl* sender, void* param);
+  // Shows the next installed skin.
+  void SwitchSkin();
+  // The slider's thumb is placed in window coordinates: again after every layout.
+  void PlaceZoomThumb();
+  void ShowStatus(const KarvelUI::CString& action);
+  KarvelUI::CUIButton* FocusedButton();
+
+  KarvelUI::CUISlider* m_zoom = nullptr;
+  KarvelUI::CUILabel* m_status = nullptr;
+  int m_zoomPercent = 100;
 };
 
 }  // namespace KarvelView

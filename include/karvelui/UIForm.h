@@ -27,6 +27,7 @@
 namespace KarvelUI {
 
 class AnimationController;
+class CUICaption;
 class CToolTipCtrl;
 class CUIMenu;
 class DXCore;
@@ -41,16 +42,6 @@ inline constexpr UINT UI_WM_MENUHOVER = 4325;
 using UITimerHandler = FastDelegate1<unsigned int, void>;
 // Paints a whole frame on the form's render device in place of the tree.
 using UIPaintHandler = FastDelegate1<DXCore*, void>;
-
-// What the form asks of its "FormCaption" child, when that child offers it:
-// whether a client point is on the caption's drag area, and to follow the
-// window's size changes (swapping its maximise and restore buttons).
-class KARVELUI_API IFormCaption {
- public:
-  virtual ~IFormCaption() = default;
-  virtual int IsHitCaption(int x, int y) = 0;
-  virtual void OnSize(UINT type) = 0;
-};
 
 class KARVELUI_API CUIForm : public CWnd, public CUIControl {
  public:
@@ -162,8 +153,13 @@ class KARVELUI_API CUIForm : public CWnd, public CUIControl {
   void OnTimer(UINT_PTR id) override;
 
   _FormConfig* GetFormConfig();
-  // The "FormCaption" child when it takes part in hit testing and sizing.
-  IFormCaption* GetFormCaption();
+  // The root's direct child named "FormCaption" when it is a caption. This
+  // and the two below are defined with the caption, in the controls layer.
+  CUICaption* GetFormCaption();
+  // The caption's IsHitCaption for a client point, 0 without a caption.
+  int HitFormCaption(const CPoint& point);
+  // Tells the caption about a size change of the window.
+  void SizeFormCaption(UINT type);
 
  private:
   struct AnimationReleaser {

@@ -188,21 +188,12 @@ CUIControl* CUIForm::GetPrevTabCtrl() {
 
 // --- hit test, sizes and size changes -------------------------------------------------------------------
 
-IFormCaption* CUIForm::GetFormCaption() {
-  for (INT_PTR i = 0; i < GetChildCount(); ++i) {
-    CUIControl* child = GetChild(i);
-    if (child && child->GetObjectID().CompareNoCase(L"FormCaption") == 0) return dynamic_cast<IFormCaption*>(child);
-  }
-  return nullptr;
-}
-
 LRESULT CUIForm::OnNcHitTest(CPoint screenPoint) {
   CPoint point = screenPoint;
   ScreenToClient(&point);
   _FormConfig* config = GetFormConfig();
   if (!config) return HTNOWHERE;
-  if (IFormCaption* caption = GetFormCaption())
-    if (caption->IsHitCaption(point.x, point.y) == 1) return HTCAPTION;
+  if (HitFormCaption(point) == 1) return HTCAPTION;  // the caption's drag area
   if (config->m_bResize == 1) return GripHitTest(point, config->m_rcBorderMargin);
   return HTCLIENT;
 }
@@ -242,7 +233,7 @@ void CUIForm::OnSize(UINT type, int cx, int cy) {
   CWnd::OnSize(type, cx, cy);
   if (cx <= 0 || cy <= 0) return;
   m_ptOffset = GetOffsetPtAux();
-  if (IFormCaption* caption = GetFormCaption()) caption->OnSize(type);
+  SizeFormCaption(type);
   CalculateBounds();
   SetFormRgn();
   AddAllSubTooltip();

@@ -71,7 +71,7 @@ TEST_F(SampleFormPixelTest, TheBorderPictureFramesTheWindowInEachSkinAndFollowsI
   ASSERT_EQ(form->GetBounds(), CRect(0, 0, 500, 300));
   ExpectSkin(Paint(), kGraphite);
   Manager()->SetCurrentSkin(L"Ocean");
-  EXPECT_EQ(form->GetAssData().m_rcMargin, CRect(12, 40, 12, 12));
+  EXPECT_EQ(form->GetAssData().m_rcMargin, CRect(12, 0, 12, 12));
   ExpectSkin(Paint(), kOcean);
 }
 

@@ -257,25 +257,6 @@ TEST_F(FormTest, WithoutResizeEverythingIsClientAndWithoutSkinNothingIs) {
   EXPECT_EQ(form->SendMessage(WM_NCHITTEST, 0, MAKELPARAM(51, 41)), HTNOWHERE);
 }
 
-class CaptionProbe : public ProbeControl, public IFormCaption {
- public:
-  int IsHitCaption(int, int y) override { return y < 20 ? 1 : 0; }
-  void OnSize(UINT type) override { Journal().push_back("caption size " + std::to_string(type)); }
-};
-
-TEST_F(FormTest, TheFormCaptionChildDecidesWhereTheWindowIsDragged) {
-  LoadTestSkin();
-  CUIForm* form = MakeForm();
-  auto* caption = new CaptionProbe();
-  caption->SetObjectID(L"FormCaption");
-  form->RegisterControl(caption);
-  EXPECT_EQ(form->SendMessage(WM_NCHITTEST, 0, MAKELPARAM(50 + 150, 40 + 2)), HTCAPTION);  // before the grips
-  EXPECT_EQ(form->SendMessage(WM_NCHITTEST, 0, MAKELPARAM(50 + 150, 40 + 30)), HTCLIENT);
-  Journal().clear();
-  form->MoveWindow(50, 40, 320, 220);
-  EXPECT_THAT(JournalOf("caption"), ElementsAre("caption size 0"));
-}
-
 TEST_F(FormTest, MinimumAndMaximumSizesComeFromTheSkinAndTheWorkArea) {
   LoadTestSkin();
   CUIForm* form = MakeForm();

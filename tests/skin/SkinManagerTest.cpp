@@ -45,24 +45,24 @@ struct TestConfig : public _SkinConfig {
   _ImageConfig m_image;
 };
 
-const char kBuild[] = "<BuildRoot><MainForm><ok type=\"CUIButton\" css=\"ok\"/></MainForm></BuildRoot>";
+const char kBuild[] = "<BuildRoot><MainForm><ok type=\"TestButton\" css=\"ok\"/></MainForm></BuildRoot>";
 const char kSkinList[] =
     "<SkinsRoot><Skin Name=\"Default\" Text=\"Classic\"/><Skin Name=\"Blue\" Text=\"Deep blue\"/>"
     "<Other Name=\"Broken\" Text=\"Broken one\"/></SkinsRoot>";
 const char kDefaultSkin[] =
     "<UIRoot><css>"
-    "<CUIButton><ok Color=\"10, 20, 30\" Size=\"5\"><Image File=\"ok.png\"/></ok>"
-    "<onlyDefault Size=\"8\"><Image File=\"def.png\"/></onlyDefault></CUIButton>"
+    "<TestButton><ok Color=\"10, 20, 30\" Size=\"5\"><Image File=\"ok.png\"/></ok>"
+    "<onlyDefault Size=\"8\"><Image File=\"def.png\"/></onlyDefault></TestButton>"
     "<CUIBottomPanel><bar Size=\"1\"/></CUIBottomPanel>"
     "<text><Title TextColor=\"1, 2, 3\" FontFace=\"DejaVu Sans\" FontSize=\"20\" FontBold=\"true\"/>"
     "<Small FontSize=\"9\"/></text>"
     "</css><ass>"
-    "<CUIButton><ok Bounds=\"1, 2, 3, 4\" DockStyle=\"left\"/></CUIButton>"
+    "<TestButton><ok Bounds=\"1, 2, 3, 4\" DockStyle=\"left\"/></TestButton>"
     "</ass></UIRoot>";
 const char kBlueSkin[] =
-    "<UIRoot><css><CUIButton><ok Size=\"7\"><Image File=\"blue-ok.png\"/></ok></CUIButton>"
+    "<UIRoot><css><TestButton><ok Size=\"7\"><Image File=\"blue-ok.png\"/></ok></TestButton>"
     "<text><Title TextColor=\"200, 0, 0\"/></text></css>"
-    "<ass><CUIButton><ok AnchorStyle=\"center\"/></CUIButton></ass></UIRoot>";
+    "<ass><TestButton><ok AnchorStyle=\"center\"/></TestButton></ass></UIRoot>";
 
 class SkinDataTest : public KarvelTest::SkinManagerTest {
  protected:
@@ -78,11 +78,11 @@ class SkinDataTest : public KarvelTest::SkinManagerTest {
   CUISkinManager* Loaded() {
     CUISkinManager* manager = Manager();
     EXPECT_EQ(manager->InitSkinData(), 1);
-    manager->RegisterSkinCreateor(L"CUIButton", new TestConfig());
+    manager->RegisterSkinCreateor(L"TestButton", new TestConfig());
     return manager;
   }
 
-  TestConfig* Css(const wchar_t* css, const wchar_t* type = L"CUIButton") {
+  TestConfig* Css(const wchar_t* css, const wchar_t* type = L"TestButton") {
     _SkinConfig* out = nullptr;
     Manager()->ReadCssData(css, type, out);
     m_configs.emplace_back(out);
@@ -163,7 +163,7 @@ TEST_F(SkinDataTest, MissingOrEmptyCssLeavesTheOutputAloneAndOnlyAMissingPrototy
   _SkinConfig* const stale = reinterpret_cast<_SkinConfig*>(0x1234);
   _SkinConfig* out = stale;
   const std::pair<const wchar_t*, const wchar_t*> lookups[] = {
-      {L"", L"CUIButton"}, {L"nothing", L"CUIButton"}, {L"ok", L"CUIUnknown"}, {L"bar", L"CUIBottomPanel"}};
+      {L"", L"TestButton"}, {L"nothing", L"TestButton"}, {L"ok", L"CUIUnknown"}, {L"bar", L"CUIBottomPanel"}};
   for (const auto& [css, type] : lookups) Manager()->ReadCssData(css, type, out);
   EXPECT_EQ(out, stale);
   ASSERT_EQ(trace.Lines().size(), 1u);
@@ -177,15 +177,15 @@ TEST_F(SkinDataTest, ReplacingAPrototypeDoesNotReleaseTheOldOne) {
   auto* first = new TestConfig();
   auto* second = new TestConfig();
   second->m_strTag = L"second";
-  manager->RegisterSkinCreateor(L"CUILabel", first);
-  manager->RegisterSkinCreateor(L"CUILabel", second);
+  manager->RegisterSkinCreateor(L"TestLabel", first);
+  manager->RegisterSkinCreateor(L"TestLabel", second);
   EXPECT_EQ(TestConfig::s_released, 0);
-  Write("Theme/Default/KarvelView.xml", "<UIRoot><css><CUILabel><title Size=\"4\"/></CUILabel></css></UIRoot>");
+  Write("Theme/Default/KarvelView.xml", "<UIRoot><css><TestLabel><title Size=\"4\"/></TestLabel></css></UIRoot>");
   manager->InitSkinData();
-  EXPECT_EQ(Css(L"title", L"CUILabel")->m_strTag, L"second");
+  EXPECT_EQ(Css(L"title", L"TestLabel")->m_strTag, L"second");
   m_configs.clear();
   EXPECT_EQ(TestConfig::s_released, 1);
-  CUISkinManager::FreeInstance();  // releases "CUIButton" and the second "CUILabel"
+  CUISkinManager::FreeInstance();  // releases "TestButton" and the second "TestLabel"
   EXPECT_EQ(TestConfig::s_released, 3);
   first->Release();
 }
@@ -226,21 +226,21 @@ TEST_F(SkinDataTest, AssDataReadsOntoTheCallersRecordFromTheCurrentSkinFirst) {
   CUISkinManager* manager = Loaded();
   _AssData data;
   data.m_strTipID = L"tip";
-  manager->ReadAssData(L"ok", L"CUIButton", &data);
+  manager->ReadAssData(L"ok", L"TestButton", &data);
   EXPECT_EQ(data.m_rcBounds, CRect(1, 2, 4, 6));
   EXPECT_EQ(data.m_nStyle, DOCK_LEFT);
   EXPECT_EQ(data.m_strTipID, L"tip");
   manager->SetSkinFile(L"Blue");
   _AssData blue;
   blue.m_rcBounds = CRect(7, 7, 8, 8);
-  manager->ReadAssData(L"ok", L"CUIButton", &blue);
+  manager->ReadAssData(L"ok", L"TestButton", &blue);
   EXPECT_EQ(blue.m_nStyle, ANCHOR_CENTER);
   EXPECT_EQ(blue.m_rcBounds, CRect(7, 7, 8, 8));  // not taken from the default skin
   blue.m_nStyle = 5;
-  manager->ReadAssData(L"missing", L"CUIButton", &blue);
-  manager->ReadAssData(L"", L"CUIButton", &blue);
+  manager->ReadAssData(L"missing", L"TestButton", &blue);
+  manager->ReadAssData(L"", L"TestButton", &blue);
   EXPECT_EQ(blue.m_nStyle, 5);
-  manager->ReadAssData(L"ok", L"CUIButton", nullptr);
+  manager->ReadAssData(L"ok", L"TestButton", nullptr);
 }
 
 namespace {
@@ -347,12 +347,12 @@ namespace {
 int g_button = 0, g_menu = 0;
 CUIControl* const kButton = reinterpret_cast<CUIControl*>(&g_button);
 CUIControl* const kMenu = reinterpret_cast<CUIControl*>(&g_menu);
-CUIControl* BuiltInCreator(const CString& type) { return type == L"CUIButton" ? kButton : nullptr; }
+CUIControl* BuiltInCreator(const CString& type) { return type == L"TestButton" ? kButton : nullptr; }
 // Cannot win over the built-in creator for a button.
-CUIControl* HostCreator(const CString& type) { return type == L"CUIMenu" || type == L"CUIButton" ? kMenu : nullptr; }
+CUIControl* HostCreator(const CString& type) { return type == L"CUIMenu" || type == L"TestButton" ? kMenu : nullptr; }
 void RegisterBuiltIns(CUISkinManager& manager) {
   manager.RegisterObjectCreateor(&BuiltInCreator);
-  manager.RegisterSkinCreateor(L"CUIButton", new TestConfig());
+  manager.RegisterSkinCreateor(L"TestButton", new TestConfig());
 }
 }  // namespace
 
@@ -362,9 +362,9 @@ TEST_F(SkinDataTest, CreatorsAreAskedInRegistrationOrderWithTheBuiltInOneFirst) 
   CUISkinManager::SetBuiltInRegistration(nullptr);
   EXPECT_EQ(manager->CreateSkinObject(L"CUIMenu"), nullptr);
   EXPECT_EQ(manager->RegisterObjectCreateor(&HostCreator), 1);
-  EXPECT_EQ(manager->CreateSkinObject(L"CUIButton"), kButton);
+  EXPECT_EQ(manager->CreateSkinObject(L"TestButton"), kButton);
   EXPECT_EQ(manager->CreateSkinObject(L"CUIMenu"), kMenu);
-  EXPECT_EQ(manager->CreateSkinObject(L"cuibutton"), nullptr);
+  EXPECT_EQ(manager->CreateSkinObject(L"testbutton"), nullptr);
   ASSERT_EQ(manager->InitSkinData(), 1);
   EXPECT_EQ(Css(L"ok")->m_nSize, 5);  // the built-in prototype answers css lookups
 }

@@ -6,6 +6,8 @@
 #include <string>
 
 #include "platform/window/KeyMap.h"
+#include "platform/window/MoveSize.h"
+#include "platform/window/X11Desktop.h"
 #include <karvelui/MessageQueue.h>
 #include "platform/window/NativeWindow.h"
 #include "platform/window/WindowState.h"
@@ -161,6 +163,10 @@ class DesktopEventSource final : public IEventSource {
     HWND source;
     CPoint screen;
     if (!ToScreen(e.windowID, e.x, e.y, source, screen)) return;
+    if (m_moveSize.Active()) {
+      m_moveSize.Follow(GlobalCursor(source, screen));
+      return;
+    }
     InputState& in = Input();
     in.eventButtons = ButtonsFromSdl(e.state);
     const MouseHit hit = HitAt(screen, source);
@@ -188,11 +194,18 @@ class DesktopEventSource final : public IEventSource {
     InputState& in = Input();
     const bool down = e.type == SDL_MOUSEBUTTONDOWN;
     in.eventButtons = down ? (in.eventButtons | bit) : (in.eventButtons & ~bit);
+    if (m_moveSize.Active()) {
+      if (!down && e.button == SDL_BUTTON_LEFT) m_moveSize.End();
+      return;
+    }
     HWND target = in.capture;
     if (!target) {
       const MouseHit hit = HitAt(screen, source);
       // Presses on a caption or grip belong to the desktop's move and resize.
-      if (hit.code != HTCLIENT) return;
+      if (hit.code != HTCLIENT) {
+        if (down && e.button == SDL_BUTTON_LEFT && LibraryMovesWindows()) PressMoveSizeArea(hit, e.clicks);
+        return;
+      }
       target = hit.hwnd;
       WindowState* t = StateOf(target);
       if (!t || (t->style & WS_DISABLED)) return;
@@ -202,6 +215,28 @@ class DesktopEventSource final : public IEventSource {
     if (!t) return;
     const bool doubleClick = down && e.clicks >= 2 && e.clicks % 2 == 0 && (t->classStyle & CS_DBLCLKS);
     PostInput(target, ButtonMessage(e.button, down, doubleClick), EventKeyFlags(), PackPoint(screen - t->ScreenOrigin()));
+  }
+
+  // Where the library moves windows itself: a caption or grip press starts
+  // the move or size, a caption double click maximises or restores.
+  void PressMoveSizeArea(const MouseHit& hit, Uint8 clicks) {
+    WindowState* s = StateOf(hit.hwnd);
+    if (!s || (s->style & WS_DISABLED)) return;
+    ClickActivate(hit.hwnd);
+    if (hit.code == HTCAPTION && clicks >= 2 && clicks % 2 == 0) {
+      if ((s = StateOf(hit.hwnd)) && (s->style & WS_MAXIMIZEBOX))
+        PostMessageW(hit.hwnd, WM_SYSCOMMAND, (s->style & WS_MAXIMIZE) ? SC_RESTORE : SC_MAXIMIZE, 0);
+      return;
+    }
+    m_moveSize.Begin(hit.hwnd, hit.code, GlobalCursor(hit.hwnd, Input().cursor));
+  }
+
+  // The cursor on screen, asked of the desktop: while a window moves under
+  // it, the event's window-relative point may be older than the move.
+  static CPoint GlobalCursor(HWND hwnd, const CPoint& fallback) {
+    CPoint screen = fallback;
+    if (!GetX11Pointer(SdlWindowOf(hwnd), screen)) screen = fallback;
+    return screen;
   }
 
   static void ClickActivate(HWND target) {
@@ -278,6 +313,10 @@ class DesktopEventSource final : public IEventSource {
       case SDL_WINDOWEVENT_MAXIMIZED: DesktopMaximized(hwnd); break;
       case SDL_WINDOWEVENT_RESTORED: DesktopRestored(hwnd); break;
       case SDL_WINDOWEVENT_EXPOSED: InvalidateRect(hwnd, nullptr, FALSE); break;
+      case SDL_WINDOWEVENT_SHOWN:
+        // A window hidden as minimised (no window manager) was mapped by someone else.
+        if (s->native->ShownAgainByDesktop()) DesktopRestored(hwnd);
+        break;
       case SDL_WINDOWEVENT_LEAVE:
         if (in.tracking.hwnd && IsSelfOrDescendant(hwnd, in.tracking.hwnd)) EndTracking();
         break;
@@ -339,6 +378,7 @@ class DesktopEventSource final : public IEventSource {
     }
   }
 
+  MoveSizeLoop m_moveSize;
   std::atomic<Uint32> m_wakeType{static_cast<Uint32>(-1)};
   std::atomic<bool> m_wakePending{false};
 };

@@ -57,6 +57,11 @@ void GLSurface::Destroy() {
 BOOL GLSurface::MakeCurrent() {
   SDL_Window* window = detail::SdlWindowOf(m_hwnd);
   if (!m_context || !window) return FALSE;
+  // A software GL on X11 learns a window's new size only when the context
+  // is bound to it again; SDL skips binding what is bound already.
+  const CSize size = GetDrawableSize();
+  if (size != m_boundSize && SDL_GL_GetCurrentContext() == m_context) SDL_GL_MakeCurrent(window, nullptr);
+  m_boundSize = size;
   return SDL_GL_MakeCurrent(window, static_cast<SDL_GLContext>(m_context)) == 0 ? TRUE : FALSE;
 }
 

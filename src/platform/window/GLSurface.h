@@ -45,6 +45,7 @@ class GLSurface {
  private:
   HWND m_hwnd = nullptr;
   void* m_context = nullptr;
+  CSize m_boundSize;  // the drawable's size when the context was last bound to it
   bool m_doubleBuffered = false;
   bool m_robust = false;
 };

@@ -1,7 +1,6 @@
 #include "platform/window/NativeWindow.h"
 
 #include <SDL.h>
-#include <SDL_shape.h>
 
 #include <algorithm>
 #include <cstring>
@@ -12,6 +11,7 @@
 #include "platform/window/EventTranslator.h"
 #include "platform/window/ThreadQueue.h"
 #include "platform/window/WindowState.h"
+#include "platform/window/X11Desktop.h"
 #include <karvelui/Wnd.h>
 
 namespace KarvelUI::detail {
@@ -68,20 +68,16 @@ bool DriverIs(const char* name) {
   return driver && std::strcmp(driver, name) == 0;
 }
 
-// Shapes are applied through SDL's shaped windows, which only the X11
-// driver offers for borderless windows.
+// Shapes are applied to borderless windows on X11, where the server cuts
+// them (not through SDL's shaped windows, which park themselves off screen
+// on every resize).
 bool WantsShapedWindow(const NativeOptions& options) { return options.borderless && DriverIs("x11"); }
 
-SDL_Window* MakeSdlWindow(const NativeOptions& options, Uint32 flags, bool shaped) {
+SDL_Window* MakeSdlWindow(const NativeOptions& options, Uint32 flags) {
   const CRect& r = options.screenRect;
   const int w = std::max<LONG>(1, r.Width());
   const int h = std::max<LONG>(1, r.Height());
-  const std::string title = options.title.ToUtf8();
-  if (shaped) {
-    SDL_Window* window = SDL_CreateShapedWindow(title.c_str(), r.left, r.top, w, h, flags);
-    if (window) return window;
-  }
-  return SDL_CreateWindow(title.c_str(), r.left, r.top, w, h, flags);
+  return SDL_CreateWindow(options.title.ToUtf8().c_str(), r.left, r.top, w, h, flags);
 }
 
 }  // namespace
@@ -107,36 +103,38 @@ bool IsVideoThread() {
 
 bool IsHeadlessDriver() { return DriverIs("offscreen") || DriverIs("dummy"); }
 
+// SDL hands X11 presses on a draggable area to the window manager and drops
+// them; a bare server has no window manager, so the library moves the window.
+bool LibraryMovesWindows() { return DriverIs("x11"); }
+
+namespace {
+
+void SetHitTest(SDL_Window* window, HWND hwnd) {
+  if (!LibraryMovesWindows()) SDL_SetWindowHitTest(window, &HitTestCallback, hwnd);
+}
+
+}  // namespace
+
 NativeWindow::NativeWindow(SDL_Window* window, HWND hwnd, bool shaped, bool gl, std::uint32_t flags)
     : m_window(window), m_hwnd(hwnd), m_id(SDL_GetWindowID(window)), m_shaped(shaped), m_gl(gl), m_flags(flags) {
   IdMap()[m_id] = hwnd;
   // Borderless windows move and resize through the areas their window
   // procedure reports; drivers without hit testing simply decline.
-  SDL_SetWindowHitTest(m_window, &HitTestCallback, hwnd);
+  SetHitTest(m_window, hwnd);
 }
 
 std::unique_ptr<NativeWindow> NativeWindow::Create(const NativeOptions& options, HWND hwnd) {
   const Uint32 flags = FlagsFor(options);
-  const bool shaped = WantsShapedWindow(options);
   SetGLWindowAttributes();
   bool gl = true;
-  SDL_Window* window = MakeSdlWindow(options, flags | SDL_WINDOW_OPENGL, shaped);
+  SDL_Window* window = MakeSdlWindow(options, flags | SDL_WINDOW_OPENGL);
   if (!window) {
     // Without GL the window still works; its GL surface will report the failure.
     gl = false;
-    window = MakeSdlWindow(options, flags, shaped);
+    window = MakeSdlWindow(options, flags);
   }
   if (!window) return nullptr;
-  const bool isShaped = SDL_IsShapedWindow(window) == SDL_TRUE;
-  std::unique_ptr<NativeWindow> native(new NativeWindow(window, hwnd, isShaped, gl, flags));
-  if (isShaped) {
-    // SDL makes shaped windows fixed-size and parks them off screen until
-    // they get a shape.
-    native->SetResizable(options.resizable);
-    native->SetShape(nullptr, options.screenRect.Size());
-    SDL_SetWindowPosition(window, options.screenRect.left, options.screenRect.top);
-  }
-  return native;
+  return std::unique_ptr<NativeWindow>(new NativeWindow(window, hwnd, WantsShapedWindow(options), gl, flags));
 }
 
 NativeWindow::~NativeWindow() {
@@ -167,7 +165,7 @@ void NativeWindow::Recreate(const CRect& screenRect) {
   options.title = CString(SDL_GetWindowTitle(m_window));
   options.screenRect = screenRect;
   SetGLWindowAttributes();
-  SDL_Window* fresh = MakeSdlWindow(options, m_flags | SDL_WINDOW_OPENGL, false);
+  SDL_Window* fresh = MakeSdlWindow(options, m_flags | SDL_WINDOW_OPENGL);
   if (!fresh) return;
   SDL_GLContext current = SDL_GL_GetCurrentContext();
   const bool wasCurrent = current && SDL_GL_GetCurrentWindow() == m_window;
@@ -178,15 +176,18 @@ void NativeWindow::Recreate(const CRect& screenRect) {
   m_window = fresh;
   m_id = SDL_GetWindowID(fresh);
   IdMap()[m_id] = m_hwnd;
-  SDL_SetWindowHitTest(m_window, &HitTestCallback, m_hwnd);
+  SetHitTest(m_window, m_hwnd);
   if (m_visible) SDL_ShowWindow(m_window);
   if (wasCurrent) SDL_GL_MakeCurrent(m_window, current);
 }
 
 void NativeWindow::Show(bool activate) {
   SDL_SetHint(SDL_HINT_WINDOW_NO_ACTIVATION_WHEN_SHOWN, activate ? "0" : "1");
+  const bool ownFocus = DriverIs("x11") && !HasX11WindowManager(m_window);
+  const unsigned long focus = ownFocus && !activate ? GetX11InputFocus(m_window) : 0;
   SDL_ShowWindow(m_window);
-  if (activate) SDL_RaiseWindow(m_window);
+  if (activate) Raise();
+  if (ownFocus && !activate) SetX11InputFocus(m_window, focus);  // SDL focused it anyway
   m_visible = true;
 }
 
@@ -195,9 +196,36 @@ void NativeWindow::Hide() {
   m_visible = false;
 }
 
-void NativeWindow::Raise() { SDL_RaiseWindow(m_window); }
-void NativeWindow::Minimize() { SDL_MinimizeWindow(m_window); }
-void NativeWindow::Restore() { SDL_RestoreWindow(m_window); }
+void NativeWindow::Raise() {
+  SDL_RaiseWindow(m_window);
+  // Without a window manager nobody else gives an activated window the keys.
+  if (DriverIs("x11") && !HasX11WindowManager(m_window)) FocusX11Window(m_window);
+}
+// A bare X server has no window manager to iconify a window: it is hidden
+// instead, as a desktop without a task bar would show a minimised window.
+void NativeWindow::Minimize() {
+  if (DriverIs("x11") && !HasX11WindowManager(m_window)) {
+    SDL_HideWindow(m_window);
+    m_hiddenAsMinimized = true;
+    return;
+  }
+  SDL_MinimizeWindow(m_window);
+}
+
+bool NativeWindow::ShownAgainByDesktop() {
+  if (!m_hiddenAsMinimized) return false;
+  m_hiddenAsMinimized = false;
+  return true;
+}
+
+void NativeWindow::Restore() {
+  if (!m_hiddenAsMinimized) {
+    SDL_RestoreWindow(m_window);
+    return;
+  }
+  m_hiddenAsMinimized = false;
+  if (m_visible) SDL_ShowWindow(m_window);
+}
 void NativeWindow::SetTopmost(bool topmost) { SDL_SetWindowAlwaysOnTop(m_window, topmost ? SDL_TRUE : SDL_FALSE); }
 void NativeWindow::SetResizable(bool resizable) { SDL_SetWindowResizable(m_window, resizable ? SDL_TRUE : SDL_FALSE); }
 void NativeWindow::SetBordered(bool bordered) { SDL_SetWindowBordered(m_window, bordered ? SDL_TRUE : SDL_FALSE); }
@@ -212,23 +240,10 @@ void NativeWindow::SetSizeLimits(const CSize& minimum, const CSize& maximum) {
 
 void NativeWindow::SetShape(const Region* region, const CSize& size) {
   if (!m_shaped || size.cx <= 0 || size.cy <= 0) return;
-  SDL_Surface* mask = SDL_CreateRGBSurfaceWithFormat(0, size.cx, size.cy, 32, SDL_PIXELFORMAT_RGBA8888);
-  if (!mask) return;
-  const Uint32 opaque = SDL_MapRGBA(mask->format, 255, 255, 255, 255);
-  if (!region) {
-    SDL_FillRect(mask, nullptr, opaque);
-  } else {
-    SDL_FillRect(mask, nullptr, SDL_MapRGBA(mask->format, 0, 0, 0, 0));
-    for (const CRect& r : region->Rects()) {
-      SDL_Rect rect{r.left, r.top, r.Width(), r.Height()};
-      SDL_FillRect(mask, &rect, opaque);
-    }
-  }
-  SDL_WindowShapeMode mode;
-  mode.mode = ShapeModeBinarizeAlpha;
-  mode.parameters.binarizationCutoff = 128;
-  SDL_SetWindowShape(m_window, mask, &mode);
-  SDL_FreeSurface(mask);
+  if (region)
+    SetX11WindowShape(m_window, region->Rects());
+  else
+    ClearX11WindowShape(m_window);
 }
 
 HWND HwndFromSdlWindowId(std::uint32_t id) {

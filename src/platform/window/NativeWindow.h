@@ -18,6 +18,9 @@ bool EnsureVideo();
 bool IsVideoThread();
 // SDL's video driver is the headless one (no desktop, surfaces fixed in size).
 bool IsHeadlessDriver();
+// Windows are moved and sized by their captions and grips in this library
+// (X11), not handed to the desktop through SDL's hit testing.
+bool LibraryMovesWindows();
 
 struct NativeOptions {
   CString title;
@@ -47,6 +50,8 @@ class NativeWindow {
   void Raise();
   void Minimize();
   void Restore();
+  // True once when the desktop showed the window again after Minimize hid it.
+  bool ShownAgainByDesktop();
   void SetTopmost(bool topmost);
   void SetResizable(bool resizable);
   void SetBordered(bool bordered);
@@ -67,6 +72,7 @@ class NativeWindow {
   bool m_gl;
   std::uint32_t m_flags;
   bool m_visible = false;
+  bool m_hiddenAsMinimized = false;  // minimised where no window manager could iconify it
 };
 
 HWND HwndFromSdlWindowId(std::uint32_t id);
