@@ -10,6 +10,7 @@ pkg_check_modules(FREETYPE REQUIRED IMPORTED_TARGET freetype2)
 pkg_check_modules(HARFBUZZ REQUIRED IMPORTED_TARGET harfbuzz)
 pkg_check_modules(FONTCONFIG REQUIRED IMPORTED_TARGET fontconfig)
 pkg_check_modules(LIBRAW REQUIRED IMPORTED_TARGET libraw_r)
+pkg_check_modules(TURBOJPEG REQUIRED IMPORTED_TARGET libturbojpeg)
 
 find_path(FREEIMAGE_INCLUDE_DIR FreeImage.h REQUIRED)
 find_library(FREEIMAGE_LIBRARY NAMES freeimage REQUIRED)
@@ -21,6 +22,6 @@ add_library(karvel::freeimage ALIAS karvel_freeimage)
 add_library(karvel_deps INTERFACE)
 target_link_libraries(karvel_deps INTERFACE
   PkgConfig::SDL2 PkgConfig::EPOXY PkgConfig::TINYXML PkgConfig::CRYPTO
-  PkgConfig::GSF PkgConfig::FREETYPE PkgConfig::HARFBUZZ PkgConfig::FONTCONFIG
+  PkgConfig::GSF PkgConfig::FREETYPE PkgConfig::HARFBUZZ PkgConfig::FONTCONFIG PkgConfig::TURBOJPEG
   karvel::freeimage Threads::Threads ${CMAKE_DL_LIBS})
 add_library(karvel::deps ALIAS karvel_deps)

@@ -5,6 +5,7 @@
 // failure through its result and never throws.
 
 #include <cstdint>
+#include <string>
 
 #include <karvelui/CString.h>
 #include <karvelui/Export.h>
@@ -33,6 +34,17 @@ enum class CreateFolderResult { Created, AlreadyExists, Failed };
 CreateFolderResult CreateFolder(const CString& path);
 // Creates the folder and any missing parents; true when it exists afterwards.
 bool CreateFolderTree(const CString& path);
+
+// Creates the folder and its missing parents with the given permission bits
+// (existing folders keep theirs); true when it exists afterwards.
+bool CreatePrivateFolderTree(const CString& path, unsigned mode);
+
+enum class WriteFileResult { Written, NotWritable, Failed };
+// Replaces the file at once with `bytes` and permission bits `mode`: the
+// bytes go into a temporary file beside it, which is then renamed over it,
+// so a reader sees either the old file or the whole new one. NotWritable
+// when the folder refuses new files (no permission, read-only file system).
+WriteFileResult WriteFileAtomically(const CString& path, const std::string& bytes, unsigned mode);
 
 // Hiding is a file attribute on the design's platform; POSIX hides by a
 // leading dot in the name instead, which would rename the file. This is a
