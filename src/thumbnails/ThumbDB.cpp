@@ -14,7 +14,6 @@ namespace {
 
 constexpr BYTE kCompoundSignature[8] = {0xD0, 0xCF, 0x11, 0xE0, 0xA1, 0xB1, 0x1A, 0xE1};
 constexpr std::uint64_t kCatalogHeaderBytes = 16;
-constexpr std::uint64_t kEntryFixedBytes = 16;  // record length, index, two time halves
 constexpr int kStreamNameCapacity = 260;        // characters, as the name buffer holds
 
 void InitGsfOnce() {
@@ -29,6 +28,30 @@ bool HasCompoundSignature(GsfInput* input) {
   const bool read = gsf_input_read(input, sizeof signature, signature) != nullptr;
   gsf_input_seek(input, 0, G_SEEK_SET);
   return read && std::memcmp(signature, kCompoundSignature, sizeof signature) == 0;
+}
+
+std::uint32_t ReadLE32At(GsfInput* input, gsf_off_t at, bool& ok) {
+  BYTE bytes[4] = {};
+  ok = ok && gsf_input_seek(input, at, G_SEEK_SET) == FALSE && gsf_input_read(input, sizeof bytes, bytes) != nullptr;
+  return static_cast<std::uint32_t>(bytes[0] | bytes[1] << 8 | bytes[2] << 16) | static_cast<std::uint32_t>(bytes[3]) << 24;
+}
+
+// The root entry of the directory has no siblings. The compound file reader
+// allocates entries it finds beside the root and never frees them, so such a
+// file is refused before it sees it.
+bool RootHasNoSiblings(GsfInput* input) {
+  constexpr gsf_off_t kSectorShiftAt = 0x1E, kDirectoryStartAt = 0x30;
+  constexpr gsf_off_t kLeftSiblingAt = 0x44, kRightSiblingAt = 0x48;
+  constexpr std::uint32_t kNoStream = 0xFFFFFFFF;
+  bool ok = true;
+  const std::uint32_t shift = ReadLE32At(input, kSectorShiftAt, ok) & 0xFFFF;
+  const std::uint32_t start = ReadLE32At(input, kDirectoryStartAt, ok);
+  if (!ok || shift < 7 || shift > 16 || start >= 0xFFFFFFFA) return false;
+  const gsf_off_t root = (static_cast<gsf_off_t>(start) + 1) << shift;
+  const bool alone = ReadLE32At(input, root + kLeftSiblingAt, ok) == kNoStream &&
+                     ReadLE32At(input, root + kRightSiblingAt, ok) == kNoStream;
+  gsf_input_seek(input, 0, G_SEEK_SET);
+  return ok && alone;
 }
 
 // Little-endian reads from the catalog's bytes, bounds-checked.
@@ -118,7 +141,7 @@ bool StorageWrapper::OpenInput(GsfInput* input, const CString& path) {
     g_object_unref(input);
     return false;
   }
-  m_pStorage = gsf_infile_msole_new(input, nullptr);
+  m_pStorage = RootHasNoSiblings(input) ? gsf_infile_msole_new(input, nullptr) : nullptr;
   g_object_unref(input);  // the storage holds its own reference
   if (!m_pStorage) std::wcout << L"Error: Can not open storage - " << path.GetString() << std::endl;
   return m_pStorage != nullptr;

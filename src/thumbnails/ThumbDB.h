@@ -45,8 +45,6 @@ inline constexpr std::uint64_t kThumbnailHeaderBytes = 12;
 // One opened stream of the storage.
 class StreamWrapper {
  public:
-  static constexpr int kTypeStream = 2;
-
   StreamWrapper(GsfInput* stream, const CString& name);
   virtual ~StreamWrapper();
   StreamWrapper(const StreamWrapper&) = delete;
@@ -59,8 +57,6 @@ class StreamWrapper {
 
  private:
   GsfInput* m_pStream;
-  int m_nType = kTypeStream;
-  CString m_strClass;  // always empty
   CString m_strName;
 };
 

@@ -186,37 +186,16 @@ TEST(ThumbDB, ACompoundFileThatCannotBeOpenedIsReportedOnTheWideOutput) {
   EXPECT_TRUE(db->GetEntries().empty());
 }
 
-// --- lookup rules on a catalog of our own ------------------------------------------------
-
-std::string Catalog(const std::vector<std::pair<std::uint32_t, std::u16string>>& entries) {
-  std::string bytes(16, '\0');
-  PutLE32(bytes, 0, 0x00070010);
-  PutLE32(bytes, 4, static_cast<unsigned>(entries.size()));
-  for (const auto& [index, name] : entries) {
-    std::string entry(16 + 2 * name.size() + 4, '\0');
-    PutLE32(entry, 0, static_cast<unsigned>(entry.size()));
-    PutLE32(entry, 4, index);
-    for (size_t i = 0; i < name.size(); ++i) PutLE16(entry, 16 + 2 * i, name[i]);
-    bytes += entry;
-  }
-  return bytes;
-}
-
-std::string Stream(const std::string& payload) { return std::string(kThumbnailHeaderBytes, 'h') + payload; }
-
-TEST(ThumbDB, LookupsMatchNamesExactlyTakeTheFirstOfTwinsAndReadReversedDigitStreams) {
-  const std::unique_ptr<ThumbDB> db = ThumbDB::FromMemory(WriteCompound(
-      {{"Catalog", Catalog({{10, u"a.jpg"}, {305, u"a.jpg"}, {7, u"B.jpg"}})},
-       {"01", Stream("ten")}, {"503", Stream("three hundred five")}, {"7", Stream("seven")}}));
-  const auto text = [&](const wchar_t* name) {
-    const std::vector<BYTE> data = db->GetThumbData(name);
-    return std::string(data.begin(), data.end());
-  };
-  EXPECT_EQ(text(L"a.jpg"), "ten");
-  EXPECT_EQ(text(L"B.jpg"), "seven");
-  EXPECT_EQ(text(L"b.jpg"), "");
-  EXPECT_EQ(ThumbDB::StreamNameOf(1), L"1");
-  EXPECT_EQ(ThumbDB::StreamNameOf(12), L"21");
+TEST(ThumbDB, LookupsMatchNamesExactlyAndTheFirstOfTwoEntriesOfANameWins) {
+  KARVEL_REQUIRE_THUMBSDB_DATA();
+  Streams streams = ReadStreams(ReadFile(ThumbsDbData() / "FOOGS-Thumbs.db"));
+  std::string& catalog = StreamBytes(streams, "Catalog");
+  const size_t man = EntryOffsets(catalog)[50];  // "Man.bmp", index 51, after "Key.bmp" (index 6)
+  for (size_t i = 0; i < 3; ++i) catalog[man + 16 + 2 * i] = "Key"[i];
+  const std::unique_ptr<ThumbDB> db = ThumbDB::FromMemory(WriteCompound(streams));
+  EXPECT_EQ(db->GetThumbData(L"Key.bmp").size(), 1077u);  // stream "6", not "15"
+  EXPECT_TRUE(db->GetThumbData(L"key.bmp").empty());
+  EXPECT_TRUE(db->GetThumbData(L"Man.bmp").empty());
   EXPECT_EQ(ThumbDB::StreamNameOf(305), L"503");
 }
 

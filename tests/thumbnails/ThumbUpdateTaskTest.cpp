@@ -27,40 +27,26 @@ namespace {
 template <class Pred>
 bool WaitUntil(Pred pred) {
   const auto deadline = std::chrono::steady_clock::now() + std::chrono::minutes(1);
-  while (!pred()) {
-    if (std::chrono::steady_clock::now() > deadline) return false;
-    std::this_thread::yield();
-  }
-  return true;
+  while (!pred() && std::chrono::steady_clock::now() < deadline) std::this_thread::yield();
+  return pred();
 }
 
-// A list as the loader sees it, guarding its array with a short lock.
+// A list as the loader sees it: its fields are touched only under With().
 class TestList : public IThumbList {
  public:
   ~TestList() { task->Release(); }  // the worker goes before the list
 
-  void Add(std::shared_ptr<_ThumbnailConfig> thumb) {
+  template <class F>
+  auto With(F f) {
     std::lock_guard lock(m_mutex);
-    m_items.push_back(std::move(thumb));
+    return f();
   }
   void AddFailed(int count) {
     for (int i = 0; i < count; ++i) {
       auto thumb = std::make_shared<_ThumbnailConfig>();
       thumb->SetState(THUMB_STATE_FAILED);  // reported on every visit, never decoded
-      Add(thumb);
+      With([&] { items.push_back(thumb); });
     }
-  }
-  void Remove(int index) {
-    std::lock_guard lock(m_mutex);
-    m_items.erase(m_items.begin() + index);
-  }
-  void Select(int index) {
-    std::lock_guard lock(m_mutex);
-    m_selected = index;
-  }
-  std::vector<int> Loaded() {
-    std::lock_guard lock(m_mutex);
-    return m_loaded;
   }
   // Runs one pass from a waiting worker (or a fresh task) and waits for its end.
   void RunPass() {
@@ -68,48 +54,40 @@ class TestList : public IThumbList {
     ASSERT_TRUE(WaitUntil([this] { return task->GetState() == TASK_STATE_WAITING; }));
   }
 
-  int GetThumbCount() override {
-    std::lock_guard lock(m_mutex);
-    return static_cast<int>(m_items.size());
-  }
+  int GetThumbCount() override { return With([&] { return static_cast<int>(items.size()); }); }
   std::shared_ptr<_ThumbnailConfig> GetThumbAt(int index) override {
-    std::lock_guard lock(m_mutex);
-    return index >= 0 && index < static_cast<int>(m_items.size()) ? m_items[index] : nullptr;
+    return With([&] { return index < static_cast<int>(items.size()) ? items[index] : nullptr; });
   }
-  int GetSelectedIndex() override {
-    std::lock_guard lock(m_mutex);
-    return m_selected;
-  }
+  int GetSelectedIndex() override { return With([&] { return selected; }); }
   HWND GetRepaintWindow() override { return window; }
   void ItemThumbLoadedCallback(int index) override {
     if (onLoaded) onLoaded(index);
-    std::lock_guard lock(m_mutex);
-    m_loaded.push_back(index);
+    With([&] { loaded.push_back(index); });
   }
 
+  std::vector<std::shared_ptr<_ThumbnailConfig>> items;
+  int selected = -1;
+  std::vector<int> loaded;
   HWND window = nullptr;
   std::function<void(int)> onLoaded;  // set before the worker starts
   ThumbUpdateTask* task = ThumbUpdateTask::Create(this);
 
  private:
   std::mutex m_mutex;
-  std::vector<std::shared_ptr<_ThumbnailConfig>> m_items;
-  int m_selected = -1;
-  std::vector<int> m_loaded;
 };
 
 TEST(ThumbUpdateTask, WalksOutwardFromTheSelectionWrappingAShortListAndRestartsAroundANewOne) {
   TestList list;
   list.AddFailed(5);
-  list.Select(2);
+  list.With([&] { list.selected = 2; });
   list.RunPass();
-  std::vector<int> loaded = list.Loaded();
+  std::vector<int> loaded = list.With([&] { return list.loaded; });
   ASSERT_EQ(loaded.size(), 81u);
   EXPECT_EQ(std::vector<int>(loaded.begin(), loaded.begin() + 10), (std::vector<int>{2, 1, 3, 0, 4, 4, 0, 3, 1, 2}));
 
-  list.Select(4);
+  list.With([&] { list.selected = 4; });
   list.RunPass();
-  loaded = list.Loaded();
+  loaded = list.With([&] { return list.loaded; });
   ASSERT_EQ(loaded.size(), 162u);
   EXPECT_EQ(std::vector<int>(loaded.begin() + 81, loaded.begin() + 86), (std::vector<int>{4, 3, 0, 2, 1}));
 }
@@ -118,7 +96,7 @@ TEST(ThumbUpdateTask, WithoutASelectionAHundredItemsAreVisitedFrom40OutToItems0A
   TestList list;
   list.AddFailed(100);
   list.RunPass();
-  const std::vector<int> loaded = list.Loaded();
+  const std::vector<int> loaded = list.With([&] { return list.loaded; });
   ASSERT_EQ(loaded.size(), 81u);
   EXPECT_EQ(std::vector<int>(loaded.begin(), loaded.begin() + 5), (std::vector<int>{40, 39, 41, 38, 42}));
   EXPECT_EQ(loaded[79], 0);
@@ -173,18 +151,16 @@ TEST_F(ThumbLoaderTest, StoppingWhileAnItemDecodesEndsAfterThatItemAndNeverWaits
   const std::filesystem::path fifo = dir.Path() / "slow.jpg";
   ASSERT_EQ(mkfifo(fifo.c_str(), 0600), 0);
   TestList list;
-  list.AddFailed(1);
-  std::shared_ptr<_ThumbnailConfig> slow = Thumb(fifo);
-  const std::weak_ptr<_ThumbnailConfig> watch = slow;
-  list.Add(std::move(slow));
-  list.AddFailed(1);
-  list.Select(1);
+  list.AddFailed(3);
+  list.items[1] = Thumb(fifo);
+  const std::weak_ptr<_ThumbnailConfig> watch = list.items[1];
+  list.With([&] { list.selected = 1; });
   ASSERT_EQ(BackUpdateTask::BeginUpdateTask(list.task), 1);
 
   const int writer = open(fifo.c_str(), O_WRONLY);  // returns once the worker reads the picture
   ASSERT_GE(writer, 0);
   EXPECT_EQ(list.GetThumbAt(1)->Render(&core, CRect(0, 0, 140, 140), nullptr, 0.0), 0);  // no waiting to draw
-  list.Remove(1);
+  list.With([&] { list.items.erase(list.items.begin() + 1); });
   BackUpdateTask::ResetUpdateTask(list.task);
   EXPECT_FALSE(watch.expired());  // the worker still holds the record it decodes
   std::atomic<bool> killed{false};
@@ -199,17 +175,17 @@ TEST_F(ThumbLoaderTest, StoppingWhileAnItemDecodesEndsAfterThatItemAndNeverWaits
   EXPECT_EQ(list.task->GetState(), TASK_STATE_NONE);
   EXPECT_TRUE(watch.expired());
   EXPECT_TRUE(trace.Contains(L"<ERROR> create texture from file: " + LibraryPath(fifo).str()));
-  EXPECT_TRUE(list.Loaded().empty());  // the kill took effect at the next step
+  EXPECT_TRUE(list.With([&] { return list.loaded.empty(); }));  // the kill took effect at the next step
 }
 
 TEST_F(ThumbLoaderTest, ItemsRemovedWhileTheWorkerLoadsThemStayAliveUntilItLetsGo) {
   const std::filesystem::path picture = dir.Write("p.png", MakePng(64, 48));
   TestList list;
-  for (int i = 0; i < 30; ++i) list.Add(Thumb(picture));
-  list.Select(15);
+  for (int i = 0; i < 30; ++i) list.items.push_back(Thumb(picture));
+  list.With([&] { list.selected = 15; });
   ASSERT_EQ(BackUpdateTask::BeginUpdateTask(list.task), 1);
   for (int i = 29; i >= 0; i -= 2) {
-    list.Remove(i);
+    list.With([&] { list.items.erase(list.items.begin() + i); });
     BackUpdateTask::ResetUpdateTask(list.task);
   }
   BackUpdateTask::KillUpdateTask(list.task);
