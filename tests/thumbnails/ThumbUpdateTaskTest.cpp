@@ -168,7 +168,8 @@ TEST_F(ThumbLoaderTest, StoppingWhileAnItemDecodesEndsAfterThatItemAndNeverWaits
     BackUpdateTask::KillUpdateTask(list.task);
     killed = true;
   });
-  EXPECT_FALSE(killed.load());
+  ASSERT_TRUE(WaitUntil([&] { return list.task->GetState() == TASK_STATE_KILL; }));
+  EXPECT_FALSE(killed.load());  // it waits for the item being decoded
   ASSERT_EQ(write(writer, "garbage!", 8), 8);
   close(writer);
   killer.join();
