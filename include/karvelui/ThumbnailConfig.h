@@ -116,6 +116,8 @@ class KARVELUI_API _ThumbnailConfig {
 
   // What drawing reads, taken in one go under the short lock.
   struct View;
+  // What a load starts from: path, device and wanted size.
+  struct LoadInput;
 
   int LoadThumbFromThumbDB();
   int LoadThumbFromOriFile();
@@ -123,6 +125,9 @@ class KARVELUI_API _ThumbnailConfig {
   int RenderThumb(const View& view, IDirect3DTexture9* texture, const CRect& part, DXCore* dx, const CRect& rect,
                   CRect* clip, double angle);
   View TakeView() const;
+  LoadInput TakeLoadInput() const;
+  // Hands a loaded texture over to drawing.
+  void Publish(RefPtr<IDirect3DTexture9> texture, const D3DSURFACE_DESC& desc, const D3DXIMAGE_INFO& info);
   CRITICAL_SECTION* Lock() const { return m_pLock.get(); }
 
   static std::mutex s_ThumbDBMutex;

@@ -29,6 +29,12 @@ struct _ThumbnailConfig::View {
   UINT imageWidth = 0, imageHeight = 0;
 };
 
+struct _ThumbnailConfig::LoadInput {
+  CString path;
+  DXCore* dx = nullptr;
+  CSize wanted;
+};
+
 namespace {
 
 constexpr D3DCOLOR kOpaqueWhite = 0xFFFFFFFF;
@@ -306,17 +312,22 @@ int _ThumbnailConfig::LoadThumb() {
   return 1;
 }
 
+_ThumbnailConfig::LoadInput _ThumbnailConfig::TakeLoadInput() const {
+  std::lock_guard view(m_ViewMutex);
+  return LoadInput{m_strPath, m_pDXCore, CSize(m_nWidth, m_nHeight)};
+}
+
+void _ThumbnailConfig::Publish(RefPtr<IDirect3DTexture9> texture, const D3DSURFACE_DESC& desc,
+                               const D3DXIMAGE_INFO& info) {
+  std::lock_guard view(m_ViewMutex);
+  std::swap(m_pTexture, texture);  // the old one goes after the short lock
+  m_TextureDesc = desc;
+  m_pImageInfo = std::make_unique<D3DXIMAGE_INFO>(info);
+}
+
 int _ThumbnailConfig::LoadThumbFromThumbDB() {
   UILock lock(Lock());
-  CString path;
-  DXCore* dx = nullptr;
-  CSize wanted;
-  {
-    std::lock_guard view(m_ViewMutex);
-    path = m_strPath;
-    dx = m_pDXCore;
-    wanted = CSize(m_nWidth, m_nHeight);
-  }
+  const auto [path, dx, wanted] = TakeLoadInput();
   if (GetState() != THUMB_STATE_NOT_LOADED || path.IsEmpty() || !dx) return 0;
   const int cut = LastSeparator(path);
   if (cut < 0) return 0;
@@ -339,24 +350,13 @@ int _ThumbnailConfig::LoadThumbFromThumbDB() {
   D3DXIMAGE_INFO info = ImageInfo(static_cast<UINT>(source.width), static_cast<UINT>(source.height),
                                   D3DFMT_A8B8G8R8, D3DXIFF_JPG);
   ReadPictureSize(path, info.Width, info.Height);
-  std::lock_guard view(m_ViewMutex);
-  m_pTexture = std::move(texture);
-  m_TextureDesc = desc;
-  m_pImageInfo = std::make_unique<D3DXIMAGE_INFO>(info);
+  Publish(std::move(texture), desc, info);
   return 1;
 }
 
 int _ThumbnailConfig::LoadThumbFromOriFile() {
   UILock lock(Lock());
-  CString path;
-  DXCore* dx = nullptr;
-  CSize wanted;
-  {
-    std::lock_guard view(m_ViewMutex);
-    path = m_strPath;
-    dx = m_pDXCore;
-    wanted = CSize(m_nWidth, m_nHeight);
-  }
+  const auto [path, dx, wanted] = TakeLoadInput();
   if (GetState() != THUMB_STATE_NOT_LOADED || path.IsEmpty() || !dx) return 0;
 
   CString file = path;
@@ -377,12 +377,10 @@ int _ThumbnailConfig::LoadThumbFromOriFile() {
     SetState(THUMB_STATE_FAILED);
     return 0;
   }
+  Publish(std::move(texture), desc,
+          ImageInfo(source.imageWidth, source.imageHeight, D3DFMT_A8R8G8B8, D3DXIFF_FORCE_DWORD));
   std::lock_guard view(m_ViewMutex);
-  m_pTexture = std::move(texture);
-  m_TextureDesc = desc;
-  m_pImageInfo = std::make_unique<D3DXIMAGE_INFO>(
-      ImageInfo(source.imageWidth, source.imageHeight, D3DFMT_A8R8G8B8, D3DXIFF_FORCE_DWORD));
-  m_nWidth = static_cast<int>(desc.Width);
+  m_nWidth = static_cast<int>(desc.Width);  // from now on the texture's real size
   m_nHeight = static_cast<int>(desc.Height);
   return 1;
 }

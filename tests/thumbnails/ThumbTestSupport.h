@@ -8,6 +8,7 @@
 
 #include <cstdlib>
 #include <filesystem>
+#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
@@ -34,6 +35,21 @@ std::string& StreamBytes(Streams& streams, const std::string& name);
 
 inline KarvelUI::CString LibraryPath(const std::filesystem::path& native) {
   return KarvelUI::FromNativePath(native.string());
+}
+
+// A record of `path` set up the way a list sets up its items.
+inline std::shared_ptr<KarvelUI::_ThumbnailConfig> MakeThumb(const KarvelUI::CString& path, KarvelUI::DXCore* dx) {
+  auto thumb = std::make_shared<KarvelUI::_ThumbnailConfig>();
+  thumb->SetImage(path);
+  thumb->SetSize(140, 140);
+  thumb->SetRenderDevice(dx);
+  return thumb;
+}
+
+inline KarvelUI::D3DSURFACE_DESC Desc(const KarvelUI::RefPtr<KarvelUI::IDirect3DTexture9>& texture) {
+  KarvelUI::D3DSURFACE_DESC desc{};
+  texture->GetLevelDesc(0, &desc);
+  return desc;
 }
 
 // Points the shared thumbnail cache at a folder of the test's own (and turns

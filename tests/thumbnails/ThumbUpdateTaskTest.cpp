@@ -136,11 +136,7 @@ class ThumbLoaderTest : public FakeCoreTest {
     MakeReady();
   }
   std::shared_ptr<_ThumbnailConfig> Thumb(const std::filesystem::path& file) {
-    auto thumb = std::make_shared<_ThumbnailConfig>();
-    thumb->SetImage(LibraryPath(file));
-    thumb->SetSize(140, 140);
-    thumb->SetRenderDevice(&core);
-    return thumb;
+    return MakeThumb(LibraryPath(file), &core);
   }
 
   PrivateCacheHome cacheHome;

@@ -43,19 +43,7 @@ class ThumbnailTest : public FakeCoreTest {
                        const PixelFunction& pixel = Photo) {
     return Write(name, MakePicture(format, width, height, 24, pixel));
   }
-  // A record of `path` as a list sets it up.
-  std::unique_ptr<_ThumbnailConfig> Thumb(const CString& path) {
-    auto thumb = std::make_unique<_ThumbnailConfig>();
-    thumb->SetImage(path);
-    thumb->SetSize(kWanted, kWanted);
-    thumb->SetRenderDevice(&core);
-    return thumb;
-  }
-  D3DSURFACE_DESC Desc(const RefPtr<IDirect3DTexture9>& texture) {
-    D3DSURFACE_DESC desc{};
-    texture->GetLevelDesc(0, &desc);
-    return desc;
-  }
+  std::shared_ptr<_ThumbnailConfig> Thumb(const CString& path) { return MakeThumb(path, &core); }
 
   PrivateCacheHome cacheHome;
   TempDir dir;
@@ -82,7 +70,7 @@ TEST(ThumbnailReflection, FadesFrom43PercentToNothingAt60Percent) {
 }
 
 TEST_F(ThumbnailTest, ALargePictureLoadsResampledWithItsReflectionAndDrawsItsCentreSquare) {
-  const std::unique_ptr<_ThumbnailConfig> thumb = Thumb(WritePicture("p.png", kPng, 400, 300));
+  const std::shared_ptr<_ThumbnailConfig> thumb = Thumb(WritePicture("p.png", kPng, 400, 300));
   ASSERT_EQ(thumb->LoadThumb(), 1);
   EXPECT_EQ(thumb->GetState(), THUMB_STATE_LOADED);
   EXPECT_EQ(Desc(thumb->GetTexture()).Width, 186u);
@@ -115,17 +103,9 @@ TEST_F(ThumbnailTest, ALargePictureLoadsResampledWithItsReflectionAndDrawsItsCen
   core.EndPaint();
 }
 
-TEST_F(ThumbnailTest, ASmallPictureIsNotEnlarged) {
-  const std::unique_ptr<_ThumbnailConfig> thumb = Thumb(WritePicture("s.png", kPng, 100, 50));
-  ASSERT_EQ(thumb->LoadThumb(), 1);
-  EXPECT_EQ(Desc(thumb->GetTexture()).Width, 100u);
-  EXPECT_EQ(Desc(thumb->GetTexture()).Height, 50u);
-  EXPECT_EQ(thumb->GetReflectionPart(), CRect(25, 0, 75, ReflectionVisibleRows(50)));
-}
-
 TEST_F(ThumbnailTest, APictureThatDoesNotDecodeFailsWithItsTraceLine) {
   const CString path = Write("broken.jpg", "no picture at all");
-  const std::unique_ptr<_ThumbnailConfig> thumb = Thumb(path);
+  const std::shared_ptr<_ThumbnailConfig> thumb = Thumb(path);
   EXPECT_EQ(thumb->LoadThumb(), 0);
   EXPECT_EQ(thumb->GetState(), THUMB_STATE_FAILED);
   EXPECT_THAT(Traced(), ::testing::Contains(L"4 <ERROR> create texture from file: " + path.str()));
@@ -138,7 +118,7 @@ TEST_F(ThumbnailTest, JpegsDecodedAtAReducedScaleLookLikeTheWholePictureResample
   std::vector<DWORD> fast, exact;
   for (bool fastPath : {true, false}) {
     SetJpegFastPath(fastPath);
-    const std::unique_ptr<_ThumbnailConfig> thumb = Thumb(path);
+    const std::shared_ptr<_ThumbnailConfig> thumb = Thumb(path);
     ASSERT_EQ(thumb->LoadThumb(), 1);
     (fastPath ? fast : exact) = Texels(thumb->GetTexture());
   }
@@ -158,7 +138,7 @@ TEST_F(ThumbnailTest, JpegsDecodedAtAReducedScaleLookLikeTheWholePictureResample
 TEST_F(ThumbnailTest, APictureListedInTheFolderDatabaseTakesItsThumbnailFromThere) {
   KARVEL_REQUIRE_THUMBSDB_DATA();
   dir.Write("Thumbs.db", TempDir::Read(ThumbsDbData() / "FOOGS-Thumbs.db"));
-  const std::unique_ptr<_ThumbnailConfig> thumb = Thumb(Write("Key.bmp", "not readable as a picture"));
+  const std::shared_ptr<_ThumbnailConfig> thumb = Thumb(Write("Key.bmp", "not readable as a picture"));
   ASSERT_EQ(thumb->LoadThumb(), 1);
   EXPECT_EQ(thumb->GetState(), THUMB_STATE_LOADED);
   const D3DSURFACE_DESC desc = Desc(thumb->GetTexture());
@@ -171,7 +151,7 @@ TEST_F(ThumbnailTest, APictureListedInTheFolderDatabaseTakesItsThumbnailFromTher
 TEST_F(ThumbnailTest, AStoredThumbnailThatDoesNotDecodeFallsBackToThePicture) {
   KARVEL_REQUIRE_THUMBSDB_DATA();
   dir.Write("thumbs.db", TempDir::Read(ThumbsDbData() / "qsim-svn-Thumbs.db"));  // table-less JPEGs
-  const std::unique_ptr<_ThumbnailConfig> thumb = Thumb(WritePicture("brick.png", kPng, 32, 16));
+  const std::shared_ptr<_ThumbnailConfig> thumb = Thumb(WritePicture("brick.png", kPng, 32, 16));
   ASSERT_EQ(thumb->LoadThumb(), 1);
   EXPECT_EQ(Desc(thumb->GetTexture()).Width, 32u);  // decoded from the file, never enlarged
   EXPECT_EQ(Desc(thumb->GetTexture()).Format, D3DFMT_A8R8G8B8);
@@ -200,7 +180,7 @@ TEST_F(ThumbnailTest, ADecodedPictureIsWrittenToTheSharedCacheAndReadBackWhileIt
   // The picture goes; a thumbnail still comes while the file's time matches.
   Write("shared.jpg", "not a picture any more");
   SetPathTimes(path, status.accessTime, status.modificationTime);
-  const std::unique_ptr<_ThumbnailConfig> again = Thumb(path);
+  const std::shared_ptr<_ThumbnailConfig> again = Thumb(path);
   ASSERT_EQ(again->LoadThumb(), 1);
   EXPECT_EQ(again->GetImageWidth(), 400u);
   EXPECT_EQ(Desc(again->GetTexture()).Width, 186u);
