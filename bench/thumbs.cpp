@@ -3,7 +3,8 @@
 // the way a thumbnail list loads them: ThumbUpdateTask workers walking lists
 // of _ThumbnailConfig records, each thumbnail resampled to 140 pixels with
 // its reflection, textures made on the render device. In one run, page cache
-// warm, thumbnails per second for:
+// warm, the best of three interleaved rounds (the exact path: one round),
+// thumbnails per second for:
 //   exact     every picture decoded whole, then resampled;
 //   fast x1   JPEGs decoded at 1/2, 1/4 or 1/8 scale, one worker;
 //   fast x2   the same with two workers (two lists of half the files);
@@ -38,6 +39,7 @@ using namespace KarvelBench;
 namespace {
 
 constexpr int kWanted = 140;
+constexpr int kRounds = 3;
 
 // A list as the worker sees it.
 class BenchList : public IThumbList {
@@ -123,7 +125,24 @@ Pass LoadAll(const std::vector<std::filesystem::path>& photos, int workers, DXCo
   return pass;
 }
 
-double Rate(const Pass& pass, size_t count) { return pass.seconds > 0 ? count / pass.seconds : 0; }
+// The fastest of a configuration's rounds: the rounds of all configurations
+// interleave, so a busy moment of the machine spoils one round only.
+struct Best {
+  double seconds = 0;
+  int failed = 0;
+  void Take(const Pass& pass) {
+    seconds = seconds > 0 ? std::min(seconds, pass.seconds) : pass.seconds;
+    failed += pass.failed;
+  }
+};
+
+double Rate(const Best& best, size_t count) { return best.seconds > 0 ? count / best.seconds : 0; }
+
+std::string LoadAverage() {
+  std::string text;
+  std::getline(std::ifstream("/proc/loadavg"), text);
+  return text.substr(0, text.find(' ', text.find(' ', text.find(' ') + 1) + 1));
+}
 
 double RunVips(const std::vector<std::filesystem::path>& photos) {
   if (std::system("command -v vipsthumbnail >/dev/null 2>&1") != 0) return 0;
@@ -181,21 +200,27 @@ int main() {
   DXCore* dx = &window.core;
   const size_t n = photos.size();
 
+  std::printf("load average before: %s\n", LoadAverage().c_str());
+  Best exact, fast1, fast2, writing, second;
+  double vips = 0;
   _ThumbnailConfig::SetSharedCacheEnabled(0);
   SetJpegFastPath(false);
-  const Pass exact = LoadAll(photos, 1, dx);
+  exact.Take(LoadAll(photos, 1, dx));  // one round: it is slow and far behind
   SetJpegFastPath(true);
-  const Pass fast1 = LoadAll(photos, 1, dx);
-  const Pass fast2 = LoadAll(photos, 2, dx);
-  const double vips = RunVips(photos);
+  for (int round = 0; round < kRounds; ++round) {
+    _ThumbnailConfig::SetSharedCacheEnabled(0);
+    fast1.Take(LoadAll(photos, 1, dx));
+    fast2.Take(LoadAll(photos, 2, dx));
+    vips = std::max(vips, RunVips(photos));
+    KarvelTest::TempDir cacheHome;
+    setenv("XDG_CACHE_HOME", cacheHome.Path().c_str(), 1);
+    _ThumbnailConfig::SetSharedCacheEnabled(1);
+    writing.Take(LoadAll(photos, 1, dx));
+    second.Take(LoadAll(photos, 1, dx));
+  }
+  std::printf("load average after:  %s\n\n", LoadAverage().c_str());
 
-  KarvelTest::TempDir cacheHome;
-  setenv("XDG_CACHE_HOME", cacheHome.Path().c_str(), 1);
-  _ThumbnailConfig::SetSharedCacheEnabled(1);
-  const Pass writing = LoadAll(photos, 1, dx);
-  const Pass second = LoadAll(photos, 1, dx);
-
-  std::printf("first pass, shared cache off:\n");
+  std::printf("first pass, shared cache off (best of %d rounds):\n", kRounds);
   PrintRate("exact path (decode whole, resample)", Rate(exact, n), exact.seconds * 1000 / n);
   PrintRate("fast path, one worker", Rate(fast1, n), fast1.seconds * 1000 / n);
   PrintRate("fast path, two workers", Rate(fast2, n), fast2.seconds * 1000 / n);
