@@ -12,6 +12,7 @@ pkg_check_modules(FONTCONFIG REQUIRED IMPORTED_TARGET fontconfig)
 pkg_check_modules(LIBRAW REQUIRED IMPORTED_TARGET libraw_r)
 # Window shapes and the window-manager check on X11 (the platform layer).
 pkg_check_modules(X11 REQUIRED IMPORTED_TARGET x11 xext)
+pkg_check_modules(TURBOJPEG REQUIRED IMPORTED_TARGET libturbojpeg)
 
 find_path(FREEIMAGE_INCLUDE_DIR FreeImage.h REQUIRED)
 find_library(FREEIMAGE_LIBRARY NAMES freeimage REQUIRED)
@@ -23,6 +24,6 @@ add_library(karvel::freeimage ALIAS karvel_freeimage)
 add_library(karvel_deps INTERFACE)
 target_link_libraries(karvel_deps INTERFACE
   PkgConfig::SDL2 PkgConfig::EPOXY PkgConfig::TINYXML PkgConfig::CRYPTO
-  PkgConfig::GSF PkgConfig::FREETYPE PkgConfig::HARFBUZZ PkgConfig::FONTCONFIG
+  PkgConfig::GSF PkgConfig::FREETYPE PkgConfig::HARFBUZZ PkgConfig::FONTCONFIG PkgConfig::TURBOJPEG
   PkgConfig::X11 karvel::freeimage Threads::Threads ${CMAKE_DL_LIBS})
 add_library(karvel::deps ALIAS karvel_deps)

@@ -1,6 +1,8 @@
 #!/usr/bin/env bash
 # Installs every Debian package the project builds, tests and runs with.
 # Idempotent; needs root (or sudo). Touches nothing but apt.
+#   scripts/setup.sh         the packages for building, testing and running
+#   scripts/setup.sh bench   those plus the benchmarks' baselines
 set -euo pipefail
 
 PACKAGES=(
@@ -12,7 +14,11 @@ PACKAGES=(
   libgtest-dev libgmock-dev libbenchmark-dev
   libx11-dev libxext-dev
   xvfb x11-utils xdotool libxtst-dev
+  libturbojpeg0-dev
 )
+# Baselines the benchmarks measure against; never needed to build or test.
+BENCH_PACKAGES=(libvips-tools)
+[ "${1:-}" = bench ] && PACKAGES+=("${BENCH_PACKAGES[@]}")
 
 missing=()
 for p in "${PACKAGES[@]}"; do

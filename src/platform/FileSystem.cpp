@@ -100,14 +100,50 @@ CreateFolderResult CreateFolder(const CString& path) {
                                                         : CreateFolderResult::Failed;
 }
 
-bool CreateFolderTree(const CString& path) {
+namespace {
+
+bool MakeFolderTree(const CString& path, mode_t mode) {
   const std::string native = ToNativePath(path);
   if (native.empty()) return false;
   for (size_t at = native.find('/', 1); at != std::string::npos; at = native.find('/', at + 1))
-    mkdir(native.substr(0, at).c_str(), 0777);  // parents that exist fail harmlessly
-  mkdir(native.c_str(), 0777);
+    mkdir(native.substr(0, at).c_str(), mode);  // parents that exist fail harmlessly
+  mkdir(native.c_str(), mode);
   struct stat st{};
   return stat(native.c_str(), &st) == 0 && S_ISDIR(st.st_mode);
+}
+
+bool WriteAll(int fd, const std::string& bytes) {
+  for (size_t done = 0; done < bytes.size();) {
+    const ssize_t written = write(fd, bytes.data() + done, bytes.size() - done);
+    if (written < 0 && errno == EINTR) continue;
+    if (written <= 0) return false;
+    done += static_cast<size_t>(written);
+  }
+  return true;
+}
+
+}  // namespace
+
+bool CreateFolderTree(const CString& path) { return MakeFolderTree(path, 0777); }
+
+bool CreatePrivateFolderTree(const CString& path, unsigned mode) { return MakeFolderTree(path, mode); }
+
+WriteFileResult WriteFileAtomically(const CString& path, const std::string& bytes, unsigned mode) {
+  const std::string native = ToNativePath(path);
+  if (native.empty()) return WriteFileResult::Failed;
+  std::string temporary = native + ".XXXXXX";
+  const int fd = mkstemp(temporary.data());
+  if (fd < 0) {
+    return errno == EACCES || errno == EPERM || errno == EROFS ? WriteFileResult::NotWritable
+                                                                : WriteFileResult::Failed;
+  }
+  const bool written = fchmod(fd, mode) == 0 && WriteAll(fd, bytes);
+  const bool closed = close(fd) == 0;
+  if (!written || !closed || rename(temporary.c_str(), native.c_str()) != 0) {
+    unlink(temporary.c_str());
+    return WriteFileResult::Failed;
+  }
+  return WriteFileResult::Written;
 }
 
 bool SetHiddenAttribute(const CString& path, bool /*hidden*/) { return PathExists(path); }

@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <string>
 
 #include <karvelui/CString.h>
 #include <karvelui/Export.h>
@@ -43,6 +44,17 @@ enum class CreateFolderResult { Created, AlreadyExists, Failed };
 CreateFolderResult CreateFolder(const CString& path);
 // Creates the folder and any missing parents; true when it exists afterwards.
 bool CreateFolderTree(const CString& path);
+
+// Creates the folder and its missing parents with the given permission bits
+// (existing folders keep theirs); true when it exists afterwards.
+bool CreatePrivateFolderTree(const CString& path, unsigned mode);
+
+enum class WriteFileResult { Written, NotWritable, Failed };
+// Replaces the file at once with `bytes` and permission bits `mode`: the
+// bytes go into a temporary file beside it, which is then renamed over it,
+// so a reader sees either the old file or the whole new one. NotWritable
+// when the folder refuses new files (no permission, read-only file system).
+WriteFileResult WriteFileAtomically(const CString& path, const std::string& bytes, unsigned mode);
 
 // POSIX hides a file only by a leading dot in its name, which would rename
 // it under the callers who keep its path (the RAW preview cache). So this is

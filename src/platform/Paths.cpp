@@ -75,20 +75,29 @@ std::string GetLibraryFolderNative() {
   return folder;
 }
 
-bool GetUserDataFolder(CString& folder) {
-  const char* xdg = std::getenv("XDG_DATA_HOME");
-  // The XDG rules ignore a relative data home.
+namespace {
+
+// An XDG base folder: the variable's value when it is absolute (the rules
+// ignore relative ones), else the fallback below the home folder.
+bool XdgFolder(const char* variable, const char* belowHome, CString& folder) {
+  const char* xdg = std::getenv(variable);
   std::string native;
   if (xdg && xdg[0] == '/') {
     native = xdg;
   } else {
     const std::string home = HomeFolder();
     if (home.empty()) return false;
-    native = home + "/.local/share";
+    native = home + belowHome;
   }
   while (native.size() > 1 && native.back() == '/') native.pop_back();
   folder = FromNativePath(native);
   return true;
 }
+
+}  // namespace
+
+bool GetUserDataFolder(CString& folder) { return XdgFolder("XDG_DATA_HOME", "/.local/share", folder); }
+
+bool GetUserCacheFolder(CString& folder) { return XdgFolder("XDG_CACHE_HOME", "/.cache", folder); }
 
 }  // namespace KarvelUI

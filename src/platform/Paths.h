@@ -34,5 +34,8 @@ std::string GetExecutableFolderNative();
 // $HOME/.local/share), library form without trailing separator. False when
 // no home folder can be found.
 bool GetUserDataFolder(CString& folder);
+// The user's cache folder (XDG cache home: $XDG_CACHE_HOME, else
+// $HOME/.cache), in the same form and with the same failure.
+bool GetUserCacheFolder(CString& folder);
 
 }  // namespace KarvelUI

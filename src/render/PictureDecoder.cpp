@@ -11,6 +11,7 @@
 
 // After the library's headers: the image library defines TRUE and FALSE as macros.
 #include <FreeImage.h>
+#include <turbojpeg.h>
 
 namespace KarvelUI {
 
@@ -88,6 +89,69 @@ class PictureFile {
   FreeImageIO m_io{&Read, &Write, &Seek, &Tell};
   bool m_bCutShort = false;
 };
+
+// A picture file image in memory, read through the same hooks with the same
+// notion of data that ends early.
+class PictureMemory {
+ public:
+  PictureMemory(const void* data, std::size_t size) : m_data(static_cast<const BYTE*>(data)), m_size(size) {}
+
+  FreeImageIO* IO() { return &m_io; }
+  fi_handle Handle() { return this; }
+  bool WasCutShort() const { return m_bCutShort; }
+  bool Rewind() {
+    m_bCutShort = false;
+    m_at = 0;
+    return true;
+  }
+
+ private:
+  static PictureMemory* From(fi_handle handle) { return static_cast<PictureMemory*>(handle); }
+
+  static unsigned DLL_CALLCONV Read(void* buffer, unsigned size, unsigned count, fi_handle handle) {
+    if (size == 0 || count == 0) return 0;
+    PictureMemory* self = From(handle);
+    count = std::min(count, UINT_MAX / size);
+    const std::size_t wanted = std::size_t(size) * count;
+    const std::size_t got = std::min(wanted, self->m_size - self->m_at);
+    std::memcpy(buffer, self->m_data + self->m_at, got);
+    self->m_at += got;
+    if (got < wanted && (size > 1 || got == 0)) self->m_bCutShort = true;
+    return static_cast<unsigned>(got / size);
+  }
+  static unsigned DLL_CALLCONV Write(void*, unsigned, unsigned, fi_handle) { return 0; }
+  static int DLL_CALLCONV Seek(fi_handle handle, long offset, int origin) {
+    PictureMemory* self = From(handle);
+    const long long base = origin == SEEK_CUR ? static_cast<long long>(self->m_at)
+                           : origin == SEEK_END ? static_cast<long long>(self->m_size) : 0;
+    const long long to = base + offset;
+    if (to < 0 || to > static_cast<long long>(self->m_size)) return -1;
+    self->m_at = static_cast<std::size_t>(to);
+    return 0;
+  }
+  static long DLL_CALLCONV Tell(fi_handle handle) { return static_cast<long>(From(handle)->m_at); }
+
+  const BYTE* m_data;
+  std::size_t m_size;
+  std::size_t m_at = 0;
+  FreeImageIO m_io{&Read, &Write, &Seek, &Tell};
+  bool m_bCutShort = false;
+};
+
+// The header first, measured against the limit, then the pixels; a source
+// that ran dry meanwhile is refused.
+template <class Source>
+FIBitmapPtr LoadWithinLimits(Source& source, FREE_IMAGE_FORMAT fif) {
+  {
+    const FIBitmapPtr header(FreeImage_LoadFromHandle(fif, source.IO(), source.Handle(), FIF_LOAD_NOPIXELS));
+    if (!header || !WithinPixelLimit(FreeImage_GetWidth(header.get()), FreeImage_GetHeight(header.get())))
+      return nullptr;
+  }
+  if (!source.Rewind()) return nullptr;
+  FIBitmapPtr picture(FreeImage_LoadFromHandle(fif, source.IO(), source.Handle(), 0));
+  if (!picture || !FreeImage_HasPixels(picture.get()) || source.WasCutShort()) return nullptr;
+  return picture;
+}
 
 // --- GIF frames ----------------------------------------------------------------
 // The decoder makes one buffer per image descriptor, as large as the
@@ -167,15 +231,16 @@ FIBitmapPtr LoadPicture(const CString& path, int format) {
   if (!IsViewerFormat(fif) || IsMultiPageFormat(format)) return nullptr;
   PictureFile file(path);
   if (!file.IsOpen()) return nullptr;
-  {
-    const FIBitmapPtr header(FreeImage_LoadFromHandle(fif, file.IO(), file.Handle(), FIF_LOAD_NOPIXELS));
-    if (!header || !WithinPixelLimit(FreeImage_GetWidth(header.get()), FreeImage_GetHeight(header.get())))
-      return nullptr;
-  }
-  if (!file.Rewind()) return nullptr;
-  FIBitmapPtr picture(FreeImage_LoadFromHandle(fif, file.IO(), file.Handle(), 0));
-  if (!picture || !FreeImage_HasPixels(picture.get()) || file.WasCutShort()) return nullptr;
-  return picture;
+  return LoadWithinLimits(file, fif);
+}
+
+FIBitmapPtr LoadPictureFromMemory(const void* data, std::size_t size) {
+  RestrictToViewerFormats();
+  if (!data || size == 0 || size > LONG_MAX) return nullptr;
+  PictureMemory memory(data, size);
+  const FREE_IMAGE_FORMAT fif = FreeImage_GetFileTypeFromHandle(memory.IO(), memory.Handle(), 0);
+  if (!IsViewerFormat(fif) || IsMultiPageFormat(static_cast<int>(fif)) || !memory.Rewind()) return nullptr;
+  return LoadWithinLimits(memory, fif);
 }
 
 FIMultiBitmapPtr OpenMultiPagePicture(const CString& path, int format) {
@@ -215,6 +280,110 @@ void MakeOpaque(FIBITMAP* picture) {
     BYTE* pixel = FreeImage_GetScanLine(picture, static_cast<int>(y));
     for (unsigned x = 0; x < width; ++x, pixel += 4) pixel[FI_RGBA_ALPHA] = 0xFF;
   }
+}
+
+// --- thumbnails -------------------------------------------------------------------
+
+namespace {
+
+constexpr int kJpegDenominators[] = {8, 4, 2, 1};
+
+// The scaled size the decoder delivers: the picture's size divided and rounded up.
+unsigned ScaledExtent(unsigned extent, int denominator) {
+  return static_cast<unsigned>((std::uint64_t(extent) + denominator - 1) / denominator);
+}
+
+// The file's bytes at the start of `bytes`, which only ever grows.
+bool ReadWholeFile(const CString& path, std::uint64_t limit, std::vector<std::uint8_t>& bytes,
+                   unsigned long& length) {
+  CStdioFile file;
+  if (!file.Open(path, CStdioFile::modeRead | CStdioFile::typeBinary)) return false;
+  const std::uint64_t size = file.GetLength();
+  if (size == 0 || size > limit) return false;
+  if (bytes.size() < size) bytes.resize(static_cast<size_t>(size));
+  length = static_cast<unsigned long>(size);
+  return file.Read(bytes.data(), static_cast<UINT>(size)) == size;
+}
+
+}  // namespace
+
+ScaledJpegDecoder::ScaledJpegDecoder() : m_pHandle(tjInitDecompress()) {}
+
+ScaledJpegDecoder::~ScaledJpegDecoder() {
+  if (m_pHandle) tjDestroy(m_pHandle);
+}
+
+bool ScaledJpegDecoder::Decode(const CString& path, const MinimumSize& minimum, Picture& out) {
+  unsigned long length = 0;
+  if (!m_pHandle || !ReadWholeFile(path, kMaxFileBytes, m_File, length)) return false;
+  int width = 0, height = 0, subsampling = 0, colorspace = 0;
+  if (tjDecompressHeader3(m_pHandle, m_File.data(), length, &width, &height, &subsampling, &colorspace) != 0 ||
+      width <= 0 || height <= 0 || !WithinPixelLimit(width, height))
+    return false;
+  const auto [minWidth, minHeight] = minimum(width, height);
+  int denominator = 1;
+  for (int candidate : kJpegDenominators) {
+    if (ScaledExtent(width, candidate) >= std::min<unsigned>(minWidth, width) &&
+        ScaledExtent(height, candidate) >= std::min<unsigned>(minHeight, height)) {
+      denominator = candidate;
+      break;
+    }
+  }
+  const int scaledWidth = static_cast<int>(ScaledExtent(width, denominator));
+  const int scaledHeight = static_cast<int>(ScaledExtent(height, denominator));
+  const int pitch = scaledWidth * 4;
+  const size_t bytes = static_cast<size_t>(pitch) * scaledHeight;
+  if (m_Pixels.size() < bytes) m_Pixels.resize(bytes);
+  // Any warning (data that ends early, a damaged segment) refuses the file.
+  constexpr int kFlags = TJFLAG_FASTDCT | TJFLAG_FASTUPSAMPLE | TJFLAG_STOPONWARNING;
+  if (tjDecompress2(m_pHandle, m_File.data(), length, m_Pixels.data(), scaledWidth, pitch, scaledHeight,
+                    TJPF_BGRA, kFlags) != 0)
+    return false;
+  out = Picture{m_Pixels.data(), pitch, scaledWidth, scaledHeight, static_cast<unsigned>(width),
+                static_cast<unsigned>(height), denominator};
+  return true;
+}
+
+std::string EncodePng(const std::uint8_t* bits, int pitch, int width, int height, const PngText& texts) {
+  RestrictToViewerFormats();
+  if (!bits || width <= 0 || height <= 0) return {};
+  bool opaque = true;
+  for (int y = 0; y < height && opaque; ++y)
+    for (int x = 0; x < width && opaque; ++x) opaque = bits[static_cast<size_t>(y) * pitch + x * 4 + 3] == 0xFF;
+  const int bpp = opaque ? 24 : 32;
+  const FIBitmapPtr picture(FreeImage_Allocate(width, height, bpp));
+  if (!picture) return {};
+  for (int y = 0; y < height; ++y) {
+    const std::uint8_t* source = bits + static_cast<size_t>(y) * pitch;
+    BYTE* target = FreeImage_GetScanLine(picture.get(), height - 1 - y);  // stored bottom-up
+    for (int x = 0; x < width; ++x, source += 4, target += bpp / 8) std::memcpy(target, source, bpp / 8);
+  }
+  for (const auto& [key, value] : texts) {
+    FITAG* tag = FreeImage_CreateTag();
+    if (!tag) return {};
+    FreeImage_SetTagKey(tag, key.c_str());
+    FreeImage_SetTagType(tag, FIDT_ASCII);
+    FreeImage_SetTagLength(tag, static_cast<DWORD>(value.size() + 1));
+    FreeImage_SetTagCount(tag, static_cast<DWORD>(value.size() + 1));
+    FreeImage_SetTagValue(tag, value.c_str());
+    FreeImage_SetMetadata(FIMD_COMMENTS, picture.get(), key.c_str(), tag);
+    FreeImage_DeleteTag(tag);
+  }
+  std::unique_ptr<FIMEMORY, decltype(&FreeImage_CloseMemory)> memory(FreeImage_OpenMemory(), &FreeImage_CloseMemory);
+  if (!memory || !FreeImage_SaveToMemory(FIF_PNG, picture.get(), memory.get(), PNG_Z_BEST_SPEED)) return {};
+  BYTE* data = nullptr;
+  DWORD size = 0;
+  if (!FreeImage_AcquireMemory(memory.get(), &data, &size)) return {};
+  return std::string(reinterpret_cast<const char*>(data), size);
+}
+
+bool ReadPngText(FIBITMAP* picture, const char* key, std::string& value) {
+  FITAG* tag = nullptr;
+  if (!picture || !FreeImage_GetMetadata(FIMD_COMMENTS, picture, key, &tag) || !tag) return false;
+  if (FreeImage_GetTagType(tag) != FIDT_ASCII || !FreeImage_GetTagValue(tag)) return false;
+  const auto* text = static_cast<const char*>(FreeImage_GetTagValue(tag));
+  value.assign(text, strnlen(text, FreeImage_GetTagLength(tag)));
+  return true;
 }
 
 namespace {

@@ -1,7 +1,8 @@
 #pragma once
 
 // Picture decoding: the one place that hands picture files to the image
-// library. Decoding is the widest attack surface of a photo viewer, so:
+// library (and, for thumbnails, JPEG files to the JPEG decoder itself).
+// Decoding is the widest attack surface of a photo viewer, so:
 //
 // - Only the formats the viewer shows are decoded: JPEG, PNG, GIF, BMP and
 //   TIFF. Every other decoder of the image library is switched off for the
@@ -19,7 +20,11 @@
 // Paths are library paths (backslash form); they become native paths here.
 
 #include <cstdint>
+#include <functional>
 #include <memory>
+#include <string>
+#include <utility>
+#include <vector>
 
 #include <karvelui/CString.h>
 #include <karvelui/Export.h>
@@ -64,6 +69,9 @@ bool IsMultiPageFormat(int format);
 // A single-page picture as the decoder delivers it; null when it is too
 // large, cut short or cannot be decoded.
 FIBitmapPtr LoadPicture(const CString& path, int format);
+// The same for a picture file image in memory (any of the viewer's
+// single-page formats, detected from the bytes).
+FIBitmapPtr LoadPictureFromMemory(const void* data, std::size_t size);
 
 // A multi-page file opened read-only, its pages kept in memory once read;
 // null when it cannot be opened or any page is larger than the limit.
@@ -93,6 +101,58 @@ bool Is24BitPicture(FIBITMAP* picture);
 FIBitmapPtr CopyAs32Bits(FIBITMAP* picture);
 // Sets every pixel's alpha byte of a 32-bit picture to 255.
 void MakeOpaque(FIBITMAP* picture);
+
+// --- thumbnails -------------------------------------------------------------------
+
+// A JPEG decoded at a reduced scale: the decoder itself shrinks by 1/2, 1/4
+// or 1/8 while it decodes, which spares most of the work of a full decode
+// when only a thumbnail is wanted. The file and pixel buffers are reused
+// from one picture to the next, so a thumbnail loader keeps one decoder per
+// thread. The same guards as LoadPicture hold: the pixel limit is checked on
+// the header's size before anything is decoded, and a file whose data ends
+// early, or that the decoder has any complaint about, is refused.
+class ScaledJpegDecoder {
+ public:
+  // What Decode delivers: top-down rows of 32-bit pixels (blue, green, red,
+  // alpha 255), valid until the next Decode.
+  struct Picture {
+    const std::uint8_t* bits = nullptr;
+    int pitch = 0;
+    int width = 0, height = 0;
+    unsigned fullWidth = 0, fullHeight = 0;  // the picture's own size
+    int denominator = 1;                     // the scale was 1 / denominator
+  };
+
+  // Larger files are left to LoadPicture, which streams them.
+  static constexpr std::uint64_t kMaxFileBytes = 256u << 20;
+
+  ScaledJpegDecoder();
+  ~ScaledJpegDecoder();
+  ScaledJpegDecoder(const ScaledJpegDecoder&) = delete;
+  ScaledJpegDecoder& operator=(const ScaledJpegDecoder&) = delete;
+
+  // The least size (width, height) the result must have, given the
+  // picture's own size.
+  using MinimumSize = std::function<std::pair<unsigned, unsigned>(unsigned width, unsigned height)>;
+
+  // Decodes at the smallest scale whose result is still at least the minimum
+  // size (or the whole picture when that is larger than the picture). False
+  // when the file is no JPEG this decoder reads, is over the limits, or fails.
+  bool Decode(const CString& path, const MinimumSize& minimum, Picture& out);
+
+ private:
+  void* m_pHandle;  // the decoder's instance
+  std::vector<std::uint8_t> m_File;
+  std::vector<std::uint8_t> m_Pixels;
+};
+
+// 32-bit pixels (blue, green, red, alpha; `pitch` bytes per row, rows from
+// the top) as a PNG file image with the given text chunks; fully opaque
+// pixels are stored without alpha. Empty on failure.
+using PngText = std::vector<std::pair<std::string, std::string>>;
+std::string EncodePng(const std::uint8_t* bits, int pitch, int width, int height, const PngText& texts);
+// A text chunk a decoded PNG carried; false when there is none of that key.
+bool ReadPngText(FIBITMAP* picture, const char* key, std::string& value);
 
 // An integer tag of the page's animation metadata, as stored (unsigned);
 // false when the page has no such tag or it is not an integer.
