@@ -7,6 +7,7 @@
 #include <karvelui/UIForm.h>
 #include <karvelui/UIManager.h>
 #include <karvelui/SkinManager.h>
+#include <karvelui/UIImageBase.h>
 
 namespace KarvelUI {
 
@@ -15,12 +16,14 @@ namespace {
 // Exact names only: a host creator may add types but cannot replace these.
 CUIControl* CreateBuiltInControl(const CString& type) {
   if (type == L"CUIForm") return new CUIForm();
+  if (type == L"CUIImageBase") return new CUIImageBase();
   return nullptr;
 }
 
 void RegisterBuiltIns(CUISkinManager& manager) {
   manager.RegisterObjectCreateor(&CreateBuiltInControl);
   manager.RegisterSkinCreateor(L"CUIForm", new _FormConfig());
+  manager.RegisterSkinCreateor(L"CUIImageBase", new _UIImageBaseConfig());
 }
 
 struct BuiltInInstaller {
