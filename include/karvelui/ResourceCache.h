@@ -102,7 +102,7 @@ using TEXTUREITEM = tagTextureItem;
 enum ViewPictureStage {
   VIEW_PICTURE_PENDING = 0,  // nothing to draw yet: the cache's worker is decoding it
   VIEW_PICTURE_PREVIEW = 1,  // a reduced copy can be drawn in the picture's place
-  VIEW_PICTURE_PARTIAL = 2,  // the reduced copy with some full-resolution tiles over it
+  VIEW_PICTURE_PARTIAL = 2,  // some full-resolution tiles are up (and the reduced copy, if any)
   VIEW_PICTURE_FULL = 3,     // the path's own entry is ready
   VIEW_PICTURE_FAILED = 4,   // the picture cannot be made
 };
@@ -112,8 +112,8 @@ struct KARVELUI_API ViewPicture {
   int nStage = VIEW_PICTURE_PENDING;
   D3DXIMAGE_INFO ImageInfo{};          // the whole picture's own description, from the preview on
   tagTextureItem* pPreview = nullptr;  // ready reduced copy, drawn over the whole picture's rectangle
-  // PARTIAL: the tiles made so far (those with a texture are drawn, with the
-  // whole picture as the source); FULL: the path's entry.
+  // PARTIAL: the tiles made so far (those with a texture), for the device to
+  // take in while the preview shows; FULL: the path's entry.
   tagTextureItem* pPicture = nullptr;
 };
 
@@ -191,7 +191,7 @@ class KARVELUI_API ResourceCache {
   // thread for long: the cache's worker decodes a reduced preview (at least
   // `previewSize`) and then the whole picture, without textures; the drawing
   // thread uploads the preview at once and the whole picture a few tiles per
-  // frame, drawn over the preview until the last one is up.
+  // frame; the preview stands for it until the last tile is up.
   //
   // Decodes `path` and then each of `ahead` (in that order) on the worker,
   // replacing requests not yet done; a decode of a picture no longer wanted

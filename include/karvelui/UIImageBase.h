@@ -14,8 +14,9 @@
 // rectangle, so that it shows rather than collapsing to a point.
 //
 // Large pictures come up in steps (ResourceCache::RequestViewPictures): a
-// reduced preview first, then the full-resolution tiles, uploaded across
-// frames and drawn over it. The view rectangle is always computed from the
+// reduced preview first, then the full-resolution tiles, uploaded a few per
+// frame while the preview shows and replacing it in one frame when the last
+// is up. The view rectangle is always computed from the
 // whole picture's size, so replacing the preview moves nothing. Pictures
 // named with SetDecodeAhead are decoded meanwhile, ready for the next load.
 //

@@ -27,6 +27,8 @@ constexpr int kMaximisedMargin = 96;
 constexpr LONG kDefaultPlaceholderSide = 400;
 // Work of one frame on the tiles of a picture coming up.
 constexpr double kUploadBudgetMs = 6.0;
+// A colour that leaves nothing on screen (white, fully transparent).
+constexpr DWORD kUnseen = 0x00FFFFFF;
 
 }  // namespace
 
@@ -151,8 +153,8 @@ void CUIImageBase::Clear() {
 
 void CUIImageBase::SetDecodeAhead(const std::vector<CString>& paths) {
   m_vecDecodeAhead = paths;
-  m_bRequestPending = true;
-  if (IsHaveImage()) RequestPictures(GetRenderDevice());
+  m_bRequestPending = true;  // asked with the next load, or the next draw
+  if (IsHaveImage()) Refresh();
 }
 
 void CUIImageBase::RequestPictures(DXCore* dx) {
@@ -191,17 +193,23 @@ void CUIImageBase::DrawPicture(DXCore* dx, const ViewPicture& picture) {
     m_pImage->Render(dx, m_rcView, nullptr);
     return;
   }
-  // On the way: the preview stands for the whole picture and the tiles made
-  // so far cover it, both over the same rectangle, so nothing moves when the
-  // last tile replaces the preview.
-  const D3DXVECTOR2 centre{static_cast<float>(m_pImage->m_nRotateCenterX),
-                           static_cast<float>(m_pImage->m_nRotateCenterY)};
-  if (picture.pPreview) dx->DrawImage(picture.pPreview, &m_rcView, nullptr, &centre, m_pImage->m_fRotation,
-                                      m_pImage->m_dwColor);
+  // On the way: the tiles made so far are handed to the device - one unseen
+  // texel each - so that it takes them in now, a few per frame, while the
+  // preview stands for the whole picture. Both fill the same rectangle, so
+  // nothing moves in the frame where the last tile replaces the preview.
   if (picture.pPicture) {
-    const CRect whole(0, 0, static_cast<LONG>(picture.ImageInfo.Width), static_cast<LONG>(picture.ImageInfo.Height));
-    dx->DrawImage(picture.pPicture, &m_rcView, &whole, &centre, m_pImage->m_fRotation, m_pImage->m_dwColor);
-    Refresh();  // the next frame uploads the next tiles
+    dx->SetTransform(nullptr, nullptr, nullptr, 0.0f, nullptr);
+    const RECT texel(0, 0, 1, 1);
+    const D3DXVECTOR3 corner{static_cast<float>(m_rcView.left), static_cast<float>(m_rcView.top), 0.0f};
+    const tagTextureItem& tiles = *picture.pPicture;
+    for (int i = 0; i < tiles.nTileCols * tiles.nTileRows; ++i)
+      if (tiles.pTiles[i].pTexture) dx->DrawImage(tiles.pTiles[i].pTexture.Get(), &texel, nullptr, &corner, kUnseen);
+    Refresh();  // the next frame makes the next tiles
+  }
+  if (picture.pPreview) {
+    const D3DXVECTOR2 centre{static_cast<float>(m_pImage->m_nRotateCenterX),
+                             static_cast<float>(m_pImage->m_nRotateCenterY)};
+    dx->DrawImage(picture.pPreview, &m_rcView, nullptr, &centre, m_pImage->m_fRotation, m_pImage->m_dwColor);
   }
   dx->SetTransform(nullptr, nullptr, nullptr, 0.0f, nullptr);
 }

@@ -206,24 +206,33 @@ bool ViewPictureLoader::StoreDecoded(const CString& path, const CString& key, st
   return true;
 }
 
-bool ViewPictureLoader::DecodePreview(const CString& path) {
-  if (!IsWanted(path)) return false;
-  const CString key = PreviewKey(path);
-  const tagTextureItem* entry = m_cache.FindEntry(path);
-  if ((entry && entry->IsReady()) || HoldsPicture(m_cache.FindEntry(key))) return false;
-  PictureHeader header;
-  if (!KnowHeader(path, header)) {
-    MarkFailed(path);
-    return IsWanted(path);
-  }
+bool ViewPictureLoader::HasPicture(const CString& key, bool readyOnly) {
+  UILock texture(m_cache.GetTextureLock());
+  const tagTextureItem* entry = m_cache.FindEntry(key);
+  return readyOnly ? entry && entry->IsReady() : HoldsPicture(entry);
+}
+
+int ViewPictureLoader::PreviewReduction(const PictureHeader& header) {
   CSize wanted;
   {
     std::lock_guard guard(m_mutex);
     wanted = m_previewSize;
   }
+  return JpegReductionFor(header.width, header.height, static_cast<unsigned>(std::max<LONG>(wanted.cx, 0)),
+                          static_cast<unsigned>(std::max<LONG>(wanted.cy, 0)));
+}
+
+bool ViewPictureLoader::DecodePreview(const CString& path) {
+  if (!IsWanted(path)) return false;
+  const CString key = PreviewKey(path);
+  if (HasPicture(path, true) || HasPicture(key, false)) return false;
+  PictureHeader header;
+  if (!KnowHeader(path, header)) {
+    MarkFailed(path);
+    return IsWanted(path);
+  }
   if (header.format != PICTURE_FORMAT_JPEG) return false;  // shrunk from the whole picture instead
-  const int reduction = JpegReductionFor(header.width, header.height, static_cast<unsigned>(std::max<LONG>(wanted.cx, 0)),
-                                         static_cast<unsigned>(std::max<LONG>(wanted.cy, 0)));
+  const int reduction = PreviewReduction(header);
   if (reduction == 1) return false;
   FIBitmapPtr preview = LoadPictureReduced(m_cache.FileToDecode(path), header.format, reduction, &m_cancel);
   if (!preview) return false;  // the whole decode will tell whether the file is damaged
@@ -241,7 +250,7 @@ bool ViewPictureLoader::DecodeMultiPage(const CString& path) {
 }
 
 bool ViewPictureLoader::DecodeWhole(const CString& path) {
-  if (!IsWanted(path) || HoldsPicture(m_cache.FindEntry(path))) return false;
+  if (!IsWanted(path) || HasPicture(path, false)) return false;
   PictureHeader header;
   if (!KnowHeader(path, header)) {
     MarkFailed(path);
@@ -265,13 +274,7 @@ bool ViewPictureLoader::DecodeWhole(const CString& path) {
   // Other formats have no reduced decode: their preview is the picture shrunk.
   FIBitmapPtr preview;
   if (header.format != PICTURE_FORMAT_JPEG) {
-    CSize wanted;
-    {
-      std::lock_guard guard(m_mutex);
-      wanted = m_previewSize;
-    }
-    const int reduction = JpegReductionFor(header.width, header.height, static_cast<unsigned>(std::max<LONG>(wanted.cx, 0)),
-                                           static_cast<unsigned>(std::max<LONG>(wanted.cy, 0)));
+    const int reduction = PreviewReduction(header);
     if (reduction > 1) preview = ShrinkPicture(picture.get(), reduction);
   }
   const bool stored = StoreDecoded(path, path, DecodedRecord(std::move(picture), header.format));

@@ -11,8 +11,7 @@
 // exactly as a decode-only LoadTextureFromFile leaves it. Then the pictures
 // decoded ahead, likewise. The drawing thread uploads: the preview at once
 // (it is small), the whole picture a few tiles per frame into a record of its
-// own, drawn over the preview, whose content moves into the path's entry
-// when the last tile is up. A single picture's decoded copy then goes: its
+// own, whose content moves into the path's entry when the last tile is up. A single picture's decoded copy then goes: its
 // tiles hold it, and keeping both would double what a shown photo costs.
 //
 // Threads: Request, Step, DropUpload and Clear run on the drawing thread;
@@ -84,11 +83,16 @@ class ViewPictureLoader {
   // True when something was stored (worth a repaint).
   bool Do(const Job& job);
   bool KnowHeader(const CString& path, PictureHeader& header);
+  // How much a preview of the picture may be reduced and still cover the view.
+  int PreviewReduction(const PictureHeader& header);
   bool DecodePreview(const CString& path);
   bool DecodeWhole(const CString& path);
   bool DecodeMultiPage(const CString& path);
   void MarkFailed(const CString& path);
   bool IsWanted(const CString& path);
+  // Whether the entry of `key` is ready (readyOnly) or holds a decoded or
+  // uploaded picture; read under the texture lock.
+  bool HasPicture(const CString& key, bool readyOnly);
   // Stores a decoded record under `key` unless the key is no longer wanted
   // or its entry already holds a picture.
   bool StoreDecoded(const CString& path, const CString& key, std::unique_ptr<tagTextureItem> record);
