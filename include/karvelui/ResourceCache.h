@@ -22,8 +22,10 @@
 // making of JPEG previews from camera RAW files. Both are recursive. Fonts
 // and the frames of animated pictures are the drawing thread's business.
 
+#include <functional>
 #include <map>
 #include <memory>
+#include <vector>
 
 #include <karvelui/CString.h>
 #include <karvelui/Export.h>
@@ -96,6 +98,27 @@ struct KARVELUI_API tagTextureItem {
 };
 using TEXTUREITEM = tagTextureItem;
 
+// How far a picture shown large has come (ResourceCache::StepViewPicture).
+enum ViewPictureStage {
+  VIEW_PICTURE_PENDING = 0,  // nothing to draw yet: the cache's worker is decoding it
+  VIEW_PICTURE_PREVIEW = 1,  // a reduced copy can be drawn in the picture's place
+  VIEW_PICTURE_PARTIAL = 2,  // some full-resolution tiles are up (and the reduced copy, if any)
+  VIEW_PICTURE_FULL = 3,     // the path's own entry is ready
+  VIEW_PICTURE_FAILED = 4,   // the picture cannot be made
+};
+
+// What the drawing thread can draw of a picture shown large, this frame.
+struct KARVELUI_API ViewPicture {
+  int nStage = VIEW_PICTURE_PENDING;
+  D3DXIMAGE_INFO ImageInfo{};          // the whole picture's own description, from the preview on
+  tagTextureItem* pPreview = nullptr;  // ready reduced copy, drawn over the whole picture's rectangle
+  // PARTIAL: the tiles made so far (those with a texture), for the device to
+  // take in while the preview shows; FULL: the path's entry.
+  tagTextureItem* pPicture = nullptr;
+};
+
+class ViewPictureLoader;
+
 struct KARVELUI_API FONTITEM {
   virtual ~FONTITEM() = default;
   RefPtr<ID3DXFont> pFont;
@@ -163,10 +186,31 @@ class KARVELUI_API ResourceCache {
   // GetFont live under the longer key and are not found here.
   int ReleaseFont(int height, int weight, int italic, const wchar_t* faceName, IDirect3DDevice9* device);
 
+  // --- pictures shown large (the image view) ---------------------------------
+  // A large photo reaches the screen in steps that never hold up the drawing
+  // thread for long: the cache's worker decodes a reduced preview (at least
+  // `previewSize`) and then the whole picture, without textures; the drawing
+  // thread uploads the preview at once and the whole picture a few tiles per
+  // frame; the preview stands for it until the last tile is up.
+  //
+  // Decodes `path` and then each of `ahead` (in that order) on the worker,
+  // replacing requests not yet done; a decode of a picture no longer wanted
+  // first is abandoned. Pictures decoded for an earlier request and not
+  // named now are released (keep-decoded 0), so at most 1 + ahead.size()
+  // pictures stay decoded. `notify` runs on the worker after each step.
+  void RequestViewPictures(const CString& path, const std::vector<CString>& ahead, CSize previewSize,
+                           IDirect3DDevice9* device, std::function<void()> notify);
+  // Drawing thread: uploads what the worker has decoded for `path` (the
+  // preview at once, the whole picture for at most about `budgetMs` per call)
+  // and tells what can be drawn. A path never requested is loaded at once.
+  ViewPicture StepViewPicture(const CString& path, IDirect3DDevice9* device, double budgetMs);
+
   CRITICAL_SECTION* GetTextureLock() { return m_pTextureLock.get(); }
   CRITICAL_SECTION* GetRawLock() { return m_pRawLock.get(); }
 
  private:
+  friend class ViewPictureLoader;
+
   // Shorter keys first; keys of equal length compare from the last
   // character towards the first (paths of one folder differ at the end).
   struct KeyLess {
@@ -193,11 +237,17 @@ class KARVELUI_API ResourceCache {
   void UnlockTile(TextureTile* tile);
   enum class FrameDecode { Done, MissingPage, Failed };
   FrameDecode DecodeNextFrame(tagTextureItem* previous, tagTextureItem* frame, int page);
+  // Makes the texture of one tile of `item` and copies its part of `picture`
+  // (24 or 32 bits, bottom-up rows) into it; the tile's rectangle must be set.
+  bool UploadTile(IDirect3DDevice9* device, FIBITMAP* picture, TextureTile* tile);
+  ViewPictureLoader& ViewPictures();
 
   std::map<CString, std::unique_ptr<tagTextureItem>, KeyLess> m_Textures;
   std::map<CString, std::unique_ptr<FONTITEM>, KeyLess> m_Fonts;
   std::unique_ptr<CRITICAL_SECTION> m_pTextureLock;
   std::unique_ptr<CRITICAL_SECTION> m_pRawLock;
+  // Made on first use; its worker is stopped before the entries go.
+  std::unique_ptr<ViewPictureLoader> m_pViewPictures;
 };
 
 }  // namespace KarvelUI

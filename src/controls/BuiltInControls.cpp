@@ -8,6 +8,7 @@
 #include <karvelui/UIButton.h>
 #include <karvelui/UICaption.h>
 #include <karvelui/UIForm.h>
+#include <karvelui/UIImageBase.h>
 #include <karvelui/UILabel.h>
 #include <karvelui/UIMenu.h>
 #include <karvelui/UIManager.h>
@@ -28,6 +29,7 @@ CUIControl* CreateBuiltInControl(const CString& type) {
   if (type == L"CUIPanel") return new CUIPanel();
   if (type == L"CUIBottomPanel") return new CUIBottomPanel();
   if (type == L"CUISlider") return new CUISlider();
+  if (type == L"CUIImageBase") return new CUIImageBase();
   return nullptr;
 }
 
@@ -41,6 +43,7 @@ void RegisterBuiltIns(CUISkinManager& manager) {
   manager.RegisterSkinCreateor(L"CUILabel", new _LabelConfig());
   manager.RegisterSkinCreateor(L"CUIPanel", new _PanelConfig());
   manager.RegisterSkinCreateor(L"CUISlider", new _SliderConfig());
+  manager.RegisterSkinCreateor(L"CUIImageBase", new _UIImageBaseConfig());
 }
 
 struct BuiltInInstaller {

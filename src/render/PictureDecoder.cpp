@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <atomic>
 #include <climits>
+#include <cmath>
 #include <cstring>
 #include <string>
 
@@ -419,6 +420,158 @@ bool ReadAnimationTag(FIBITMAP* page, const char* key, std::uint32_t& value) {
     default:
       return false;
   }
+}
+
+// --- Pictures shown large: header facts, EXIF orientation, reduced and ------
+// --- cancellable loading (the image view's fast path) -------------------------
+
+namespace {
+
+constexpr int kMaxExifOrientation = 8;
+constexpr unsigned kMaxJpegSizeHint = 0xFFFF;  // the decoder takes the hint in the flags' high 16 bits
+
+// The clockwise angles of 0..3 quarter turns, each the float nearest to k x pi/2.
+constexpr float kQuarterTurnAngles[4] = {0.0f, 1.5707964f, 3.1415927f, 4.712389f};
+
+// Reads through a picture file unless `cancel` is set: a cancelled read
+// returns nothing, which ends the decoder's work early.
+class CancellableRead {
+ public:
+  CancellableRead(PictureFile& file, const std::atomic<bool>* cancel) : m_file(file), m_cancel(cancel) {}
+
+  FreeImageIO* IO() { return &m_io; }
+  fi_handle Handle() { return this; }
+  bool WasCancelled() const { return m_bCancelled; }
+
+ private:
+  static CancellableRead* From(fi_handle handle) { return static_cast<CancellableRead*>(handle); }
+  static unsigned DLL_CALLCONV Read(void* buffer, unsigned size, unsigned count, fi_handle handle) {
+    CancellableRead* self = From(handle);
+    if (self->m_cancel && self->m_cancel->load(std::memory_order_relaxed)) {
+      self->m_bCancelled = true;
+      return 0;
+    }
+    return self->m_file.IO()->read_proc(buffer, size, count, self->m_file.Handle());
+  }
+  static unsigned DLL_CALLCONV Write(void*, unsigned, unsigned, fi_handle) { return 0; }
+  static int DLL_CALLCONV Seek(fi_handle handle, long offset, int origin) {
+    CancellableRead* self = From(handle);
+    return self->m_file.IO()->seek_proc(self->m_file.Handle(), offset, origin);
+  }
+  static long DLL_CALLCONV Tell(fi_handle handle) {
+    CancellableRead* self = From(handle);
+    return self->m_file.IO()->tell_proc(self->m_file.Handle());
+  }
+
+  PictureFile& m_file;
+  const std::atomic<bool>* m_cancel;
+  bool m_bCancelled = false;
+  FreeImageIO m_io{&Read, &Write, &Seek, &Tell};
+};
+
+// The header of a single-page file, without pixels; null over the pixel limit.
+FIBitmapPtr LoadHeader(PictureFile& file, FREE_IMAGE_FORMAT format) {
+  FIBitmapPtr header(FreeImage_LoadFromHandle(format, file.IO(), file.Handle(), FIF_LOAD_NOPIXELS));
+  if (!header || !WithinPixelLimit(FreeImage_GetWidth(header.get()), FreeImage_GetHeight(header.get())))
+    return nullptr;
+  return header;
+}
+
+}  // namespace
+
+bool ReadPictureHeader(const CString& path, PictureHeader& header) {
+  header = PictureHeader{};
+  header.format = DetectPictureFormat(path);
+  if (header.format == PICTURE_FORMAT_UNKNOWN) return false;
+  if (IsMultiPageFormat(header.format)) return true;
+  PictureFile file(path);
+  if (!file.IsOpen()) return false;
+  const FIBitmapPtr loaded = LoadHeader(file, static_cast<FREE_IMAGE_FORMAT>(header.format));
+  if (!loaded) return false;
+  header.width = FreeImage_GetWidth(loaded.get());
+  header.height = FreeImage_GetHeight(loaded.get());
+  header.orientation = ExifOrientationOf(loaded.get());
+  return true;
+}
+
+int ExifOrientationOf(FIBITMAP* picture) {
+  FITAG* tag = nullptr;
+  if (!picture || !FreeImage_GetMetadata(FIMD_EXIF_MAIN, picture, "Orientation", &tag) || !tag) return 1;
+  const void* data = FreeImage_GetTagValue(tag);
+  if (!data || FreeImage_GetTagType(tag) != FIDT_SHORT || FreeImage_GetTagCount(tag) < 1 ||
+      FreeImage_GetTagLength(tag) < sizeof(std::uint16_t))
+    return 1;
+  std::uint16_t value = 0;
+  std::memcpy(&value, data, sizeof value);
+  return value >= 1 && value <= kMaxExifOrientation ? value : 1;
+}
+
+int ReadExifOrientation(const CString& path) {
+  PictureHeader header;
+  if (!ReadPictureHeader(path, header) || header.format != PICTURE_FORMAT_JPEG) return 1;
+  return header.orientation;
+}
+
+int ExifOrientationQuarterTurns(int orientation) {
+  switch (orientation) {
+    case 3:
+    case 4:
+      return 2;
+    case 5:
+    case 8:
+      return 3;
+    case 6:
+    case 7:
+      return 1;
+    default:
+      return 0;
+  }
+}
+
+float QuarterTurnAngle(int quarterTurns) { return kQuarterTurnAngles[((quarterTurns % 4) + 4) % 4]; }
+
+int QuarterTurnsOf(float angle) {
+  const long turns = std::lround(static_cast<double>(angle) / (3.14159265358979323846 / 2));
+  return static_cast<int>(((turns % 4) + 4) % 4);
+}
+
+int JpegReductionFor(unsigned width, unsigned height, unsigned minWidth, unsigned minHeight) {
+  for (int reduction : {8, 4, 2}) {
+    const unsigned w = (width + reduction - 1) / reduction, h = (height + reduction - 1) / reduction;
+    if (w >= std::max(minWidth, 1u) && h >= std::max(minHeight, 1u)) return reduction;
+  }
+  return 1;
+}
+
+FIBitmapPtr LoadPictureReduced(const CString& path, int format, int reduction, const std::atomic<bool>* cancel) {
+  RestrictToViewerFormats();
+  const auto fif = static_cast<FREE_IMAGE_FORMAT>(format);
+  if (!IsViewerFormat(fif) || IsMultiPageFormat(format)) return nullptr;
+  PictureFile file(path);
+  if (!file.IsOpen()) return nullptr;
+  int flags = 0;
+  {
+    const FIBitmapPtr header = LoadHeader(file, fif);
+    if (!header) return nullptr;
+    // The decoder picks the largest reduction that keeps the longer side at
+    // least the hint, so the longer side divided by the reduction asks for
+    // exactly that one.
+    const unsigned longer = std::max(FreeImage_GetWidth(header.get()), FreeImage_GetHeight(header.get()));
+    const unsigned hint = reduction > 1 ? longer / static_cast<unsigned>(reduction) : 0;
+    if (format == PICTURE_FORMAT_JPEG && hint >= 1 && hint <= kMaxJpegSizeHint) flags = static_cast<int>(hint << 16);
+  }
+  if (!file.Rewind()) return nullptr;
+  CancellableRead reader(file, cancel);
+  FIBitmapPtr picture(FreeImage_LoadFromHandle(fif, reader.IO(), reader.Handle(), flags));
+  if (!picture || !FreeImage_HasPixels(picture.get()) || file.WasCutShort() || reader.WasCancelled()) return nullptr;
+  return picture;
+}
+
+FIBitmapPtr ShrinkPicture(FIBITMAP* picture, int reduction) {
+  if (!picture || !FreeImage_HasPixels(picture) || reduction < 1) return nullptr;
+  const int width = std::max(1, static_cast<int>(FreeImage_GetWidth(picture)) / reduction);
+  const int height = std::max(1, static_cast<int>(FreeImage_GetHeight(picture)) / reduction);
+  return FIBitmapPtr(FreeImage_Rescale(picture, width, height, FILTER_BOX));
 }
 
 }  // namespace KarvelUI

@@ -19,6 +19,7 @@
 //
 // Paths are library paths (backslash form); they become native paths here.
 
+#include <atomic>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -157,5 +158,55 @@ bool ReadPngText(FIBITMAP* picture, const char* key, std::string& value);
 // An integer tag of the page's animation metadata, as stored (unsigned);
 // false when the page has no such tag or it is not an integer.
 bool ReadAnimationTag(FIBITMAP* page, const char* key, std::uint32_t& value);
+
+// --- Pictures shown large: header facts, EXIF orientation, reduced and ------
+// --- cancellable loading (the image view's fast path) -------------------------
+
+// What a picture file's header tells without decoding a pixel.
+struct PictureHeader {
+  int format = PICTURE_FORMAT_UNKNOWN;
+  unsigned width = 0;
+  unsigned height = 0;
+  int orientation = 1;  // EXIF orientation, 1..8; 1 (as stored) when the file has none
+};
+
+// False when the file cannot be read, is not a viewer format, or is larger
+// than the pixel limit. Multi-page files report only their format.
+bool ReadPictureHeader(const CString& path, PictureHeader& header);
+
+// EXIF orientations that the view turns by (mirrored ones, 2, 4, 5 and 7,
+// are turned like their unmirrored partners and not mirrored: the render
+// device draws no mirror images).
+enum ExifOrientation {
+  EXIF_ORIENTATION_NORMAL = 1,
+  EXIF_ORIENTATION_ROTATE_180 = 3,
+  EXIF_ORIENTATION_ROTATE_90 = 6,   // stored turned left: shown turned a quarter right
+  EXIF_ORIENTATION_ROTATE_270 = 8,  // stored turned right: shown turned a quarter left
+};
+// The orientation in a decoded (or header-only) picture's EXIF data; 1 when
+// it has none or an out-of-range value.
+int ExifOrientationOf(FIBITMAP* picture);
+// The orientation of a JPEG file, read from its header; 1 for other files.
+int ReadExifOrientation(const CString& path);
+// Clockwise quarter turns (0..3) that show a picture of that orientation upright.
+int ExifOrientationQuarterTurns(int orientation);
+// k clockwise quarter turns as the 32-bit float nearest to k x pi/2, the
+// exact values the image view recognises as turns (k taken modulo 4).
+float QuarterTurnAngle(int quarterTurns);
+// The quarter turns (0..3) nearest to an angle in radians.
+int QuarterTurnsOf(float angle);
+
+// The largest reduction the JPEG decoder offers (2, 4 or 8) that keeps a
+// width x height picture at least minWidth x minHeight; 1 when none does.
+int JpegReductionFor(unsigned width, unsigned height, unsigned minWidth, unsigned minHeight);
+
+// A single-page picture as LoadPicture gives it, a JPEG reduced by
+// `reduction` (1, 2, 4 or 8) while it is decoded. A `cancel` flag set during
+// the decode ends it early with null.
+FIBitmapPtr LoadPictureReduced(const CString& path, int format, int reduction, const std::atomic<bool>* cancel);
+
+// A copy of `picture` shrunk by `reduction` in each direction (box filter),
+// 24 or 32 bits as the picture is; null on failure.
+FIBitmapPtr ShrinkPicture(FIBITMAP* picture, int reduction);
 
 }  // namespace KarvelUI

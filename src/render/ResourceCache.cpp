@@ -9,6 +9,7 @@
 #include "platform/Memory.h"
 #include "raw/RawSupport.h"
 #include "render/PictureDecoder.h"
+#include "render/ViewPictureLoader.h"
 
 // After the library's headers: the image library defines TRUE and FALSE as macros.
 #include <FreeImage.h>
@@ -203,7 +204,10 @@ bool ResourceCache::KeyLess::operator()(const CString& a, const CString& b) cons
 ResourceCache::ResourceCache()
     : m_pTextureLock(std::make_unique<CRITICAL_SECTION>()), m_pRawLock(std::make_unique<CRITICAL_SECTION>()) {}
 
-ResourceCache::~ResourceCache() { ReleaseAll(); }
+ResourceCache::~ResourceCache() {
+  m_pViewPictures.reset();  // its worker goes before the entries and locks it uses
+  ReleaseAll();
+}
 
 void ResourceCache::Release() { delete this; }
 
@@ -413,6 +417,24 @@ int ResourceCache::CacheTextureFromMemory(IDirect3DDevice9* device, void* bits, 
   return 1;
 }
 
+bool ResourceCache::UploadTile(IDirect3DDevice9* device, FIBITMAP* picture, TextureTile* tile) {
+  if (!device || !picture || !FreeImage_HasPixels(picture)) return false;
+  const UINT bitsPerPixel = FreeImage_GetBPP(picture);
+  if (bitsPerPixel != 24 && bitsPerPixel != 32) return false;
+  const auto height = static_cast<int>(FreeImage_GetHeight(picture));
+  const PixelRows rows{FreeImage_GetBits(picture), static_cast<int>(FreeImage_GetPitch(picture)), height, bitsPerPixel,
+                       true};
+  const CRect part = tile->rect;
+  if (FAILED(device->CreateTexture(static_cast<UINT>(part.Width()), static_cast<UINT>(part.Height()), 1, 0,
+                                   D3DFMT_A8R8G8B8, D3DPOOL_MANAGED, tile->pTexture.Receive(), nullptr)))
+    return false;
+  tile->pTexture->GetLevelDesc(0, &tile->SurfaceDesc);
+  if (!LockTile(tile)) return false;
+  CopyTileRows(rows, *tile);
+  UnlockTile(tile);
+  return true;
+}
+
 tagTextureItem* ResourceCache::LoadTextureFromMemory(CString key, IDirect3DDevice9* device, void* bits, int size,
                                                      int width, int height, UINT bitsPerPixel) {
   auto item = std::make_unique<tagTextureItem>();
@@ -566,6 +588,7 @@ SharedFIBitmap ResourceCache::MergeBitmap(FIBITMAP* canvas, FIBITMAP* frame, CPo
 int ResourceCache::ReleaseTexture(CString key, IDirect3DDevice9* device, int keepDecoded) {
   if (!device) return 0;
   UILock lock(m_pTextureLock.get());
+  if (m_pViewPictures) m_pViewPictures->DropUpload(key);
   tagTextureItem* entry = FindEntry(key);
   if (!entry) return 0;
   tagTextureItem* frame = entry;
@@ -583,11 +606,28 @@ int ResourceCache::ReleaseTexture(CString key, IDirect3DDevice9* device, int kee
 }
 
 void ResourceCache::ReleaseAll() {
+  if (m_pViewPictures) m_pViewPictures->Clear();  // the worker stops adding entries first
   {
     UILock lock(m_pTextureLock.get());
     m_Textures.clear();
   }
   m_Fonts.clear();
+}
+
+// --- pictures shown large ----------------------------------------------------------
+
+ViewPictureLoader& ResourceCache::ViewPictures() {
+  if (!m_pViewPictures) m_pViewPictures = std::make_unique<ViewPictureLoader>(*this);
+  return *m_pViewPictures;
+}
+
+void ResourceCache::RequestViewPictures(const CString& path, const std::vector<CString>& ahead, CSize previewSize,
+                                        IDirect3DDevice9* device, std::function<void()> notify) {
+  ViewPictures().Request(path, ahead, previewSize, device, std::move(notify));
+}
+
+ViewPicture ResourceCache::StepViewPicture(const CString& path, IDirect3DDevice9* device, double budgetMs) {
+  return ViewPictures().Step(path, device, budgetMs);
 }
 
 // --- fonts -----------------------------------------------------------------------
