@@ -5,7 +5,7 @@
 
 #include <karvelui/BackUpdateTask.h>
 #include "cache/CacheTestSupport.h"
-#include "gpu/GpuTestSupport.h"
+#include "support/GLTesting.h"
 #include "render/ViewPictureLoader.h"
 
 using namespace KarvelUI;

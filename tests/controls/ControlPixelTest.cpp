@@ -3,7 +3,7 @@
 // ends, a slider's groove, fill and thumb, and a label's lines.
 
 #include "controls/ControlsTestSupport.h"
-#include "gpu/GpuTestSupport.h"
+#include "support/GLTesting.h"
 #include "support/PictureFiles.h"
 
 namespace KarvelTest {

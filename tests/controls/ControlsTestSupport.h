@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "framework/FormTestSupport.h"
+#include "framework/FrameworkTestSupport.h"
 #include <karvelui/UIButton.h>
 #include <karvelui/UICaption.h>
 #include <karvelui/UILabel.h>

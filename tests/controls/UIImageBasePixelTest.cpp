@@ -8,10 +8,10 @@
 #include <karvelui/ResourceCache.h>
 #include "controls/UIImageBaseTestSupport.h"
 #include "framework/FrameworkTestSupport.h"
-#include "gpu/GpuTestSupport.h"
+#include "support/GLTesting.h"
 #include "platform/Paths.h"
 #include "support/TraceCapture.h"
-#include "window/WindowTestSupport.h"
+#include "support/WindowTesting.h"
 
 namespace KarvelTest {
 namespace {

@@ -8,7 +8,7 @@
 #include <karvelui/IMenu.h>
 #include <karvelui/UIMenu.h>
 #include "framework/FrameworkTestSupport.h"
-#include "gpu/GpuTestSupport.h"
+#include "support/GLTesting.h"
 
 namespace KarvelTest {
 namespace {

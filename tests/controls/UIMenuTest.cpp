@@ -9,7 +9,7 @@
 #include <karvelui/IMenu.h>
 #include <karvelui/Screen.h>
 #include <karvelui/UIMenu.h>
-#include "framework/FormTestSupport.h"
+#include "framework/FrameworkTestSupport.h"
 
 namespace KarvelTest {
 namespace {
@@ -269,7 +269,7 @@ void ClickInTheForm(MenuDismissalTest& t, CUIMenu*) {
   Journal().clear();
   t.form->SendMessage(WM_LBUTTONDOWN, 0, MAKELPARAM(20, 20));
   std::erase_if(Journal(), [](const std::string& line) { return line.find(" draw ") != std::string::npos; });
-  EXPECT_THAT(Journal(), ElementsAre("tree freed", "One mouse 513 20,20"));
+  EXPECT_THAT(Journal(), ElementsAre("tree freed", "One mouse WM_LBUTTONDOWN 20,20"));
 }
 void Escape(MenuDismissalTest&, CUIMenu* menu) { MenuTest::Key(menu->GetSafeHwnd(), SDL_SCANCODE_ESCAPE); }
 void AnotherWindowActivated(MenuDismissalTest&, CUIMenu*) {

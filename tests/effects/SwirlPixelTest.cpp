@@ -7,7 +7,7 @@
 
 #include <karvelui/BandedSwirlEffect.h>
 #include <karvelui/DXCore.h>
-#include "gpu/GpuTestSupport.h"
+#include "support/GLTesting.h"
 #include "support/PictureFiles.h"
 #include "support/TempDir.h"
 
@@ -40,7 +40,7 @@ class SwirlPixelTest : public ::testing::Test {
  protected:
   void SetUp() override {
     ASSERT_EQ(DXCore::InitInstance(), S_OK);
-    ASSERT_TRUE(OpenWindow(wnd, kWidth, kHeight));
+    ASSERT_TRUE(MakeWindow(wnd, CRect(0, 0, kWidth, kHeight)));
     core.SetWindow(wnd.m_hWnd);
     ASSERT_EQ(core.Init(), S_OK);
     BandedSwirlEffect::SetShaderPath(CString(KARVEL_SOURCE_DIR "/assets/BandedSwirl.fx"));

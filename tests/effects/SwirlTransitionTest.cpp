@@ -6,7 +6,7 @@
 
 #include <karvelui/SwirlTransition.h>
 #include "animation/AnimationTestSupport.h"
-#include "framework/FormTestSupport.h"
+#include "framework/FrameworkTestSupport.h"
 
 namespace KarvelTest {
 namespace {
@@ -17,7 +17,7 @@ class SwirlTransitionTest : public FormTest {
     BandedSwirlEffect::SetShaderPath(CString());
     FormTest::TearDown();
   }
-  TestClock clock;
+  ManualClock clock;
 };
 
 TEST_F(SwirlTransitionTest, WindsUpUnwindsAndHandsThePaintBack) {

@@ -13,7 +13,7 @@
 #include <karvelui/MessageQueue.h>
 #include <karvelui/Wnd.h>
 #include "ThumbTestSupport.h"
-#include "dxcore/FakeCoreFixture.h"
+#include "support/FakeCore.h"
 #include "platform/Clock.h"
 #include "support/PictureFiles.h"
 #include "thumbnails/ThumbUpdateTask.h"

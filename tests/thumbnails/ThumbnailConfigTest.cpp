@@ -5,7 +5,7 @@
 
 #include <karvelui/ThumbnailConfig.h>
 #include "ThumbTestSupport.h"
-#include "dxcore/FakeCoreFixture.h"
+#include "support/FakeCore.h"
 #include "platform/FileSystem.h"
 #include "render/PictureDecoder.h"
 #include "support/PictureFiles.h"

@@ -1,6 +1,6 @@
 #include <karvelui/ThumbnailConfig.h>
 #include "ThumbTestSupport.h"
-#include "dxcore/GLCoreFixture.h"
+#include "support/GLCore.h"
 #include "support/PictureFiles.h"
 
 using namespace KarvelUI;
