@@ -27,12 +27,6 @@ class RelayingOwner : public CWnd {
   }
 };
 
-CRect WindowRectOf(const CWnd& wnd) {
-  CRect rect;
-  wnd.GetWindowRect(&rect);
-  return rect;
-}
-
 class ToolTipTest : public ::testing::Test {
  protected:
   void SetUp() override {
@@ -72,8 +66,7 @@ class ToolTipTest : public ::testing::Test {
   CToolTipCtrl tip;
 };
 
-// --- timing, as scripts of cursor moves, presses and waits --------------------------
-
+// Timing, as scripts of cursor moves, presses and waits.
 struct Step {
   enum Action { Move, Wait, Press, RightPress, Leave, OtherLeave, MoveOnTip, Deactivate, Activate, Delete } action;
   int x = 0, y = 0;                // the point, or the milliseconds to wait
@@ -157,8 +150,6 @@ INSTANTIATE_TEST_SUITE_P(
                 {S::Wait, 1000, 0, L""}}}),
     [](const ::testing::TestParamInfo<Script>& info) { return std::string(info.param.name); });
 
-// --- placement, tools and painting ---------------------------------------------------
-
 TEST_F(ToolTipTest, ThePopupOpensBelowTheCursorWithoutActivationAndStaysInsideTheWorkArea) {
   ShowOpen();
   EXPECT_EQ(WindowRectOf(tip).TopLeft(), CPoint(120, 140));
@@ -193,8 +184,7 @@ TEST_F(ToolTipTest, WithoutAlwaysTipOnlyTheActiveOwnerGetsTips) {
   owner.SetActiveWindow();
   MoveTo(22, 22);
   Wait(600);
-  EXPECT_EQ(plain.GetShownText(), L"Open");
-  EXPECT_EQ(GetActiveWindow(), owner.m_hWnd);
+  EXPECT_EQ(std::make_tuple(plain.GetShownText(), GetActiveWindow()), std::make_tuple(CString(L"Open"), owner.m_hWnd));
   owner.tip = &tip;
 }
 
@@ -206,8 +196,7 @@ TEST_F(ToolTipTest, WholeWindowToolsYieldToRectanglesOfThatWindow) {
   ASSERT_TRUE(tip.AddTool(&child, L"Corner", &corner, 7));
   CToolInfo info;
   ASSERT_TRUE(tip.GetToolInfo(info, &child));
-  EXPECT_EQ(info.uFlags, TTF_IDISHWND);
-  EXPECT_EQ(info.uId, reinterpret_cast<UINT_PTR>(child.m_hWnd));
+  EXPECT_EQ(std::make_tuple(info.uFlags, info.uId), std::make_tuple(UINT{TTF_IDISHWND}, reinterpret_cast<UINT_PTR>(child.m_hWnd)));
   MoveTo(5, 5, &child);
   Wait(600);
   EXPECT_EQ(tip.GetShownText(), L"Corner");
@@ -215,8 +204,7 @@ TEST_F(ToolTipTest, WholeWindowToolsYieldToRectanglesOfThatWindow) {
   Wait(120);
   EXPECT_EQ(tip.GetShownText(), L"Child");
   tip.DelTool(&child, 0);
-  EXPECT_FALSE(tip.IsTipShown());
-  EXPECT_EQ(tip.GetToolCount(), 3);
+  EXPECT_EQ(std::make_tuple(tip.IsTipShown(), tip.GetToolCount()), std::make_tuple(FALSE, 3));
 }
 
 TEST_F(ToolTipTest, UpdateTipTextChangesAShownTipAtOnce) {
@@ -239,8 +227,7 @@ TEST_F(ToolTipTest, PaintsTheInfoBackgroundInADarkBorderWithDarkText) {
   const CRect popup = WindowRectOf(tip);
   ASSERT_EQ(frame.size, popup.Size());
   auto dark = [](DWORD c) { return (c & 0xFF) < 0x80 && ((c >> 8) & 0xFF) < 0x80 && ((c >> 16) & 0xFF) < 0x80; };
-  EXPECT_TRUE(dark(frame.At(0, 0)));
-  EXPECT_TRUE(dark(frame.At(popup.Width() - 1, popup.Height() - 1)));
+  EXPECT_TRUE(dark(frame.At(0, 0)) && dark(frame.At(popup.Width() - 1, popup.Height() - 1)));
   int background = 0, ink = 0;
   for (int y = 1; y < popup.Height() - 1; ++y)
     for (int x = 1; x < popup.Width() - 1; ++x) {
@@ -251,8 +238,6 @@ TEST_F(ToolTipTest, PaintsTheInfoBackgroundInADarkBorderWithDarkText) {
   EXPECT_GT(ink, 10);
 }
 
-// --- life and bad input ----------------------------------------------------------------
-
 TEST_F(ToolTipTest, DestroyingTheOwnerTakesThePopupAlongAndLaterCallsDoNothing) {
   MoveTo(20, 20);
   const HWND popup = tip.m_hWnd;
@@ -261,8 +246,7 @@ TEST_F(ToolTipTest, DestroyingTheOwnerTakesThePopupAlongAndLaterCallsDoNothing) 
   EXPECT_EQ(tip.GetRenderDevice(), nullptr);
   Wait(10000);
   Relay(popup, WM_MOUSEMOVE, 20, 20);
-  EXPECT_FALSE(tip.IsTipShown());
-  EXPECT_EQ(tip.GetToolCount(), 2);
+  EXPECT_EQ(std::make_tuple(tip.IsTipShown(), tip.GetToolCount()), std::make_tuple(FALSE, 2));
 }
 
 TEST_F(ToolTipTest, BadInputIsIgnoredAndTheSameToolIsReplacedNotAdded) {
@@ -294,19 +278,16 @@ TEST_F(ToolTipTest, WithoutARenderDeviceToolsAreKeptAndNothingShows) {
   owner.tip = &bare;
   MoveTo(20, 20);
   Wait(1000);
-  EXPECT_FALSE(bare.IsTipShown());
-  EXPECT_EQ(bare.GetToolCount(), 1);
+  EXPECT_EQ(std::make_tuple(bare.IsTipShown(), bare.GetToolCount()), std::make_tuple(FALSE, 1));
   owner.tip = &tip;
 }
 
 TEST(ToolTipDelays, OneDelayLeavesTheOthersAndNegativeRestoresTheDefaults) {
   CToolTipCtrl tip;
   tip.SetDelayTime(TTDT_RESHOW, 40);
-  EXPECT_EQ(tip.GetDelayTime(TTDT_RESHOW), 40);
-  EXPECT_EQ(tip.GetDelayTime(TTDT_INITIAL), 500);
+  EXPECT_EQ(std::make_tuple(tip.GetDelayTime(TTDT_RESHOW), tip.GetDelayTime(TTDT_INITIAL)), std::make_tuple(40, 500));
   tip.SetDelayTime(TTDT_AUTOMATIC, -1);
-  EXPECT_EQ(tip.GetDelayTime(TTDT_RESHOW), 100);
-  EXPECT_EQ(tip.GetDelayTime(TTDT_AUTOPOP), 5000);
+  EXPECT_EQ(std::make_tuple(tip.GetDelayTime(TTDT_RESHOW), tip.GetDelayTime(TTDT_AUTOPOP)), std::make_tuple(100, 5000));
 }
 
 }  // namespace

@@ -157,5 +157,10 @@ inline void PushWindowEvent(HWND hwnd, SDL_WindowEventID event, int data1 = 0, i
 }
 
 inline CPoint PointOf(LPARAM lParam) { return CPoint(LOWORD(lParam), HIWORD(lParam)); }
+inline CRect WindowRectOf(const CWnd& wnd) {
+  CRect rect;
+  wnd.GetWindowRect(&rect);
+  return rect;
+}
 
 }  // namespace KarvelTest

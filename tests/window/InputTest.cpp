@@ -2,6 +2,7 @@
 // hover and leave tracking, keys with their bits, characters and cursors.
 
 #include <cstring>
+#include <tuple>
 
 #include "support/WindowTesting.h"
 
@@ -37,13 +38,13 @@ TEST(MouseInput, MovesAndClicksCarryKeyFlagsAndClientPointsAndConsecutiveMovesMe
   PushKey(wnd.m_hWnd, SDL_SCANCODE_LSHIFT, false);
   PumpAll();
   ASSERT_EQ(wnd.Messages(), (std::vector<UINT>{WM_MOUSEMOVE, WM_LBUTTONDOWN, WM_MOUSEMOVE, WM_LBUTTONUP}));
-  EXPECT_EQ(PointOf(wnd.log[0].lParam), CPoint(10, 20));
-  const WPARAM flags[] = {MK_SHIFT, MK_SHIFT | MK_LBUTTON, MK_SHIFT | MK_LBUTTON, MK_SHIFT};
-  for (int i = 0; i < 4; ++i) EXPECT_EQ(wnd.log[i].wParam, flags[i]) << i;
-  EXPECT_EQ(PointOf(wnd.log[3].lParam), CPoint(13, 23));
+  std::vector<WPARAM> flags;
+  for (const Received& r : wnd.log) flags.push_back(r.wParam);
+  EXPECT_EQ(flags, (std::vector<WPARAM>{MK_SHIFT, MK_SHIFT | MK_LBUTTON, MK_SHIFT | MK_LBUTTON, MK_SHIFT}));
   CPoint cursor;
   ASSERT_TRUE(GetCursorPos(&cursor));
-  EXPECT_EQ(cursor, CPoint(113, 123));
+  EXPECT_EQ((std::vector{PointOf(wnd.log[0].lParam), PointOf(wnd.log[3].lParam), cursor}),
+            (std::vector{CPoint(10, 20), CPoint(13, 23), CPoint(113, 123)}));
 }
 
 TEST(MouseInput, DoubleClicksNeedTheClassStyle) {
@@ -73,9 +74,9 @@ TEST(MouseInput, WheelGives120PerNotchWithTheScreenPoint) {
   PushWheel(wnd.m_hWnd, 10, 20, 2.0f, true);
   PumpAll();
   ASSERT_EQ(wnd.log.size(), 2u);
-  EXPECT_EQ(GET_WHEEL_DELTA_WPARAM(wnd.log[0].wParam), 120);
-  EXPECT_EQ(GET_WHEEL_DELTA_WPARAM(wnd.log[1].wParam), -240);
-  EXPECT_EQ(CPoint::FromLParam(wnd.log[0].lParam), CPoint(50, 70));
+  EXPECT_EQ(std::make_tuple(GET_WHEEL_DELTA_WPARAM(wnd.log[0].wParam), GET_WHEEL_DELTA_WPARAM(wnd.log[1].wParam),
+                            CPoint::FromLParam(wnd.log[0].lParam)),
+            std::make_tuple(short{120}, short{-240}, CPoint(50, 70)));
 }
 
 TEST(MouseInput, ACapturedWindowGetsMovesOutsideItselfAsUnsignedClientPointsAndHearsWhenItLosesCapture) {
@@ -93,8 +94,8 @@ TEST(MouseInput, ACapturedWindowGetsMovesOutsideItselfAsUnsignedClientPointsAndH
   PumpAll();
   EXPECT_TRUE(other.log.empty());
   ASSERT_EQ(captor.Messages(), (std::vector<UINT>{WM_MOUSEMOVE, WM_MOUSEMOVE, WM_LBUTTONDOWN}));
-  EXPECT_EQ(PointOf(captor.log[0].lParam), CPoint(65531, 65529));
-  EXPECT_EQ(PointOf(captor.log[1].lParam), CPoint(210, 10));
+  EXPECT_EQ(std::make_tuple(PointOf(captor.log[0].lParam), PointOf(captor.log[1].lParam)),
+            std::make_tuple(CPoint(65531, 65529), CPoint(210, 10)));
   captor.log.clear();
   EXPECT_EQ(SetCapture(other.m_hWnd), captor.m_hWnd);
   ASSERT_EQ(captor.Messages(), std::vector<UINT>{WM_CAPTURECHANGED});
@@ -131,8 +132,8 @@ TEST(MouseInput, DisabledWindowsGetNoInputClicksActivateAndCaptionPressesBelongT
   PushButton(b.m_hWnd, 5, 5, true);
   PumpAll();
   ASSERT_EQ(b.Messages(), (std::vector<UINT>{WM_ACTIVATE, WM_LBUTTONDOWN}));
-  EXPECT_EQ(LOWORD(b.log[0].wParam), WA_CLICKACTIVE);
-  EXPECT_EQ(PointOf(b.log[1].lParam), CPoint(5, 20));
+  EXPECT_EQ(std::make_tuple(LOWORD(b.log[0].wParam), PointOf(b.log[1].lParam)),
+            std::make_tuple(WORD{WA_CLICKACTIVE}, CPoint(5, 20)));
 }
 
 TEST(MouseTracking, HoverComesOnceAfterTheCursorRestsAndLeaveOnceItGoes) {
@@ -212,17 +213,16 @@ TEST(KeyboardInput, KeysArriveAsVirtualKeysWithTheirBits) {
   PumpAll();
   ASSERT_EQ(wnd.Messages(), (std::vector<UINT>{WM_KEYDOWN, WM_KEYDOWN, WM_KEYUP, WM_KEYDOWN, WM_KEYDOWN, WM_KEYDOWN,
                                                WM_SYSKEYDOWN, WM_SYSKEYDOWN, WM_SYSKEYUP, WM_SYSKEYUP}));
-  const auto& log = wnd.log;
-  EXPECT_EQ(log[0].wParam, static_cast<WPARAM>(VK_ESCAPE));
-  EXPECT_EQ(log[0].lParam, 0x00010001);                       // one press, scan code 1
-  EXPECT_EQ(log[1].lParam, 0x40010001);                       // held: previous state down
-  EXPECT_EQ(static_cast<DWORD>(log[2].lParam), 0xC0010001u);  // released
-  EXPECT_EQ(log[3].wParam, static_cast<WPARAM>(VK_LEFT));
-  EXPECT_EQ(log[3].lParam, 0x014B0001);  // extended key
-  EXPECT_EQ(log[4].wParam, static_cast<WPARAM>('A'));
-  EXPECT_EQ(log[5].wParam, static_cast<WPARAM>(VK_TAB));
-  EXPECT_EQ(log[7].wParam, static_cast<WPARAM>(VK_F4));
-  EXPECT_TRUE(log[7].lParam & (1 << 29));  // with Alt
+  std::vector<WPARAM> virtualKeys;
+  std::vector<DWORD> bits;
+  for (const Received& r : wnd.log) virtualKeys.push_back(r.wParam), bits.push_back(static_cast<DWORD>(r.lParam));
+  EXPECT_EQ(std::vector<WPARAM>(virtualKeys.begin(), virtualKeys.begin() + 6),
+            (std::vector<WPARAM>{VK_ESCAPE, VK_ESCAPE, VK_ESCAPE, VK_LEFT, 'A', VK_TAB}));
+  EXPECT_EQ(virtualKeys[7], static_cast<WPARAM>(VK_F4));
+  // One press with scan code 1, held (previous state down), released; an extended key.
+  EXPECT_EQ(std::vector<DWORD>(bits.begin(), bits.begin() + 4),
+            (std::vector<DWORD>{0x00010001, 0x40010001, 0xC0010001u, 0x014B0001}));
+  EXPECT_TRUE(bits[7] & (1 << 29));  // with Alt
 }
 
 TEST(KeyboardInput, KeyStateFollowsRetrievedMessagesAndTellsTheShiftKeysApart) {
@@ -231,22 +231,19 @@ TEST(KeyboardInput, KeyStateFollowsRetrievedMessagesAndTellsTheShiftKeysApart) {
   PushKey(wnd.m_hWnd, SDL_SCANCODE_RSHIFT, true);
   MSG msg;
   // Translated but not yet retrieved: the key state has not moved, the async state has.
+  auto down = [](int key) { return GetKeyState(key) < 0; };
   ASSERT_TRUE(PeekMessageW(&msg, nullptr, WM_KEYDOWN, WM_KEYDOWN, PM_NOREMOVE));
-  EXPECT_GE(GetKeyState(VK_SHIFT), 0);
-  EXPECT_LT(GetAsyncKeyState(VK_RSHIFT), 0);
+  EXPECT_TRUE(!down(VK_SHIFT) && GetAsyncKeyState(VK_RSHIFT) < 0);
   PumpAll();
-  EXPECT_LT(GetKeyState(VK_SHIFT), 0);
-  EXPECT_GE(GetKeyState(VK_LSHIFT), 0);
+  EXPECT_TRUE(down(VK_SHIFT) && !down(VK_LSHIFT));
   PushKey(wnd.m_hWnd, SDL_SCANCODE_LSHIFT, true);
   PushKey(wnd.m_hWnd, SDL_SCANCODE_RSHIFT, false);
   PumpAll();
-  EXPECT_LT(GetKeyState(VK_SHIFT), 0);
-  EXPECT_GE(GetKeyState(VK_RSHIFT), 0);
+  EXPECT_TRUE(down(VK_SHIFT) && !down(VK_RSHIFT));
   PushKey(wnd.m_hWnd, SDL_SCANCODE_LSHIFT, false);
   PushButton(wnd.m_hWnd, 1, 1, true);
   PumpAll();
-  EXPECT_GE(GetKeyState(VK_SHIFT), 0);
-  EXPECT_LT(GetKeyState(VK_LBUTTON), 0);
+  EXPECT_TRUE(!down(VK_SHIFT) && down(VK_LBUTTON));
   const short capsBefore = GetKeyState(VK_CAPITAL) & 1;  // the toggle bit flips with every press
   PushKey(wnd.m_hWnd, SDL_SCANCODE_CAPSLOCK, true);
   PushKey(wnd.m_hWnd, SDL_SCANCODE_CAPSLOCK, false);
@@ -260,8 +257,8 @@ TEST(KeyboardInput, KeysGoToTheFocusWindowAndTextBecomesUtf16Characters) {
   ASSERT_TRUE(MakeWindow(a, CRect(0, 0, 10, 10), WS_POPUP | WS_VISIBLE));
   ASSERT_TRUE(MakeWindow(b, CRect(0, 0, 10, 10), WS_POPUP | WS_VISIBLE));
   a.SetFocus();
-  EXPECT_EQ(GetFocus(), a.m_hWnd);
-  EXPECT_EQ(reinterpret_cast<HWND>(b.Of(WM_KILLFOCUS).at(0).wParam), a.m_hWnd);
+  EXPECT_EQ(std::make_tuple(GetFocus(), reinterpret_cast<HWND>(b.Of(WM_KILLFOCUS).at(0).wParam)),
+            std::make_tuple(a.m_hWnd, a.m_hWnd));
   a.log.clear();
   PushKey(b.m_hWnd, SDL_SCANCODE_RETURN, true);
   SDL_Event text{};
@@ -272,9 +269,8 @@ TEST(KeyboardInput, KeysGoToTheFocusWindowAndTextBecomesUtf16Characters) {
   PumpAll();
   EXPECT_TRUE(b.Of(WM_KEYDOWN).empty());
   ASSERT_EQ(a.Messages(), (std::vector<UINT>{WM_KEYDOWN, WM_CHAR, WM_CHAR, WM_CHAR}));
-  EXPECT_EQ(a.log[1].wParam, 0xE9u);
-  EXPECT_EQ(a.log[2].wParam, 0xD83Du);  // a surrogate pair, as UTF-16 programs expect
-  EXPECT_EQ(a.log[3].wParam, 0xDE00u);
+  // A surrogate pair, as UTF-16 programs expect.
+  EXPECT_EQ((std::vector{a.log[1].wParam, a.log[2].wParam, a.log[3].wParam}), (std::vector<WPARAM>{0xE9, 0xD83D, 0xDE00}));
 }
 
 TEST(Cursors, TheClassCursorIsSetOnEveryMoveAndAWindowMayChooseAnother) {
@@ -292,11 +288,10 @@ TEST(Cursors, TheClassCursorIsSetOnEveryMoveAndAWindowMayChooseAnother) {
   EXPECT_EQ(LoadCursorW(nullptr, MakeIntResource(1)), nullptr);
   ASSERT_TRUE(MakeWindow(wnd, CRect(0, 0, 50, 50), WS_POPUP | WS_VISIBLE));
   SetCursor(nullptr);
-  PushMotion(wnd.m_hWnd, 5, 5);
-  PumpAll();
-  EXPECT_EQ(GetCursor(), arrow);
-  wnd.wantHand = true;
-  PushMotion(wnd.m_hWnd, 6, 6);
-  PumpAll();
-  EXPECT_EQ(GetCursor(), hand);
+  for (bool wantHand : {false, true}) {
+    wnd.wantHand = wantHand;
+    PushMotion(wnd.m_hWnd, 5 + wantHand, 5);
+    PumpAll();
+    EXPECT_EQ(GetCursor(), wantHand ? hand : arrow);
+  }
 }

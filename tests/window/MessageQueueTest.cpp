@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <thread>
+#include <tuple>
 
 #include "support/WindowTesting.h"
 
@@ -56,13 +57,10 @@ TEST(MessageQueue, PostsFromAnotherThreadArriveInOrderAndSendsRunOnTheWindowThre
     while (PeekMessageW(&msg, nullptr, 0, 0, PM_REMOVE)) DispatchMessageW(&msg);
   }
   worker.join();
-  EXPECT_EQ(result.load(), 42);
-  EXPECT_EQ(wnd.ranOn, std::this_thread::get_id());
+  EXPECT_EQ(std::make_tuple(result.load(), wnd.ranOn), std::make_tuple(LRESULT{42}, std::this_thread::get_id()));
   ASSERT_EQ(wnd.log.size(), static_cast<size_t>(kCount));
-  for (int i = 0; i < kCount; ++i) {
-    ASSERT_EQ(wnd.log[i].wParam, static_cast<WPARAM>(i));
-    ASSERT_EQ(wnd.log[i].lParam, -i);
-  }
+  for (int i = 0; i < kCount; ++i)
+    ASSERT_EQ(std::make_tuple(wnd.log[i].wParam, wnd.log[i].lParam), std::make_tuple(static_cast<WPARAM>(i), LPARAM{-i}));
 }
 
 TEST(MessageQueue, PostingToAGoneWindowFailsItsQueuedMessagesGoAndPeekHonoursFilters) {
@@ -81,9 +79,9 @@ TEST(MessageQueue, PostingToAGoneWindowFailsItsQueuedMessagesGoAndPeekHonoursFil
   ASSERT_TRUE(PeekMessageW(&msg, b.m_hWnd, 0, 0, PM_NOREMOVE));
   EXPECT_EQ(msg.wParam, 2u);
   ASSERT_TRUE(PeekMessageW(&msg, nullptr, kPing + 1, kPing + 1, PM_REMOVE));
-  EXPECT_EQ(msg.hwnd, b.m_hWnd);
+  const HWND filtered = msg.hwnd;
   ASSERT_TRUE(PeekMessageW(&msg, nullptr, 0, 0, PM_REMOVE));
-  EXPECT_EQ(msg.wParam, 1u);
+  EXPECT_EQ(std::make_tuple(filtered, msg.wParam), std::make_tuple(b.m_hWnd, WPARAM{1}));
   EXPECT_FALSE(PeekMessageW(&msg, nullptr, kPing, kPing + 1, PM_REMOVE));
   PostMessageW(nullptr, kPing, 5, 0);  // a message for the thread itself
   ASSERT_TRUE(PeekMessageW(&msg, nullptr, kPing, kPing, PM_REMOVE));
@@ -156,13 +154,11 @@ TEST(Painting, BeginPaintErasesOnlyWhenAsked) {
   ASSERT_TRUE(MakeWindow(wnd, CRect(0, 0, 40, 40), WS_POPUP | WS_VISIBLE));
   PumpAll();
   wnd.erases = 0;
-  wnd.InvalidateRect(nullptr, FALSE);
-  PumpAll();
-  EXPECT_EQ(wnd.erases, 0);
-  wnd.InvalidateRect(nullptr, TRUE);
-  PumpAll();
-  EXPECT_EQ(wnd.erases, 1);
-  EXPECT_TRUE(wnd.fErase);  // the handler did not erase, so the painter must
+  for (BOOL erase : {FALSE, TRUE}) {
+    wnd.InvalidateRect(nullptr, erase);
+    PumpAll();
+  }
+  EXPECT_EQ(std::make_tuple(wnd.erases, wnd.fErase), std::make_tuple(1, TRUE));  // the handler did not erase: the painter must
 }
 
 TEST(Timers, FireWithTheirIdsAtTheirIntervalsOnceWhenLateAndStopWhenKilled) {
@@ -170,8 +166,7 @@ TEST(Timers, FireWithTheirIdsAtTheirIntervalsOnceWhenLateAndStopWhenKilled) {
   RecordingWnd wnd;
   wnd.only = {WM_TIMER};
   ASSERT_TRUE(MakeWindow(wnd, CRect(0, 0, 10, 10)));
-  EXPECT_EQ(wnd.SetTimer(14401, 20), 14401u);
-  EXPECT_EQ(wnd.SetTimer(7, 50), 7u);
+  EXPECT_EQ((std::vector{wnd.SetTimer(14401, 20), wnd.SetTimer(7, 50)}), (std::vector<UINT_PTR>{14401, 7}));
   std::vector<std::pair<int, WPARAM>> fired;
   for (int ms = 10; ms <= 100; ms += 10) {
     clock.Advance(10);
@@ -181,14 +176,12 @@ TEST(Timers, FireWithTheirIdsAtTheirIntervalsOnceWhenLateAndStopWhenKilled) {
   }
   EXPECT_EQ(fired, (std::vector<std::pair<int, WPARAM>>{
                        {20, 14401}, {40, 14401}, {50, 7}, {60, 14401}, {80, 14401}, {100, 14401}, {100, 7}}));
-  EXPECT_TRUE(wnd.KillTimer(14401));
-  EXPECT_FALSE(wnd.KillTimer(14401));
+  EXPECT_TRUE(wnd.KillTimer(14401) && !wnd.KillTimer(14401));
   wnd.log.clear();
   clock.Advance(200);
   PumpAll();
   ASSERT_EQ(wnd.log.size(), 1u);  // late: once, not once per missed period
   EXPECT_EQ(wnd.log[0].wParam, 7u);
-
   wnd.SetTimer(7, 1);  // re-armed: its interval replaced, raised to the 10 ms minimum
   wnd.log.clear();
   clock.Advance(9);
@@ -228,8 +221,7 @@ TEST(Timers, GetMessageWaitsForTheNextTimerOnTheRealClock) {
   wnd.SetTimer(3, 15);
   MSG msg;
   ASSERT_TRUE(GetMessageW(&msg, nullptr, WM_TIMER, WM_TIMER));
-  EXPECT_EQ(msg.hwnd, wnd.m_hWnd);
-  EXPECT_EQ(msg.wParam, 3u);
+  EXPECT_EQ(std::make_tuple(msg.hwnd, msg.wParam), std::make_tuple(wnd.m_hWnd, WPARAM{3}));
 }
 
 TEST(ModalLoop, ANestedLoopReturnsItsResultAndTheOuterLoopContinues) {
@@ -264,8 +256,7 @@ TEST(ModalLoop, ANestedLoopReturnsItsResultAndTheOuterLoopContinues) {
   ASSERT_TRUE(MakeWindow(dialog, CRect(10, 10, 30, 30), WS_POPUP, 0, &owner));
   owner.PostMessage(WM_APP + 9);
   EXPECT_EQ(RunMessageLoop(), 0);
-  EXPECT_EQ(owner.modalResult, 5);
-  EXPECT_FALSE(owner.enabledDuringLoop);
+  EXPECT_EQ(std::make_tuple(owner.modalResult, owner.enabledDuringLoop), std::make_tuple(5, FALSE));
   EXPECT_EQ(owner.Messages(), (std::vector<UINT>{WM_APP + 9, WM_APP + 10}));
 }
 
@@ -289,6 +280,5 @@ TEST(ModalLoop, QuitEndsTheLoopAndIsPassedOnAndAModalWindowShowsWhenIdleAndEndsW
   ASSERT_TRUE(MakeWindow(dialog, CRect(0, 0, 10, 10)));
   dialog.SetTimer(1, 10);
   EXPECT_EQ(dialog.RunModalLoop(MLF_SHOWONIDLE), -1);
-  EXPECT_TRUE(dialog.visibleAtTimer);
-  EXPECT_FALSE(IsWindow(dialog.m_hWnd));
+  EXPECT_TRUE(dialog.visibleAtTimer && !IsWindow(dialog.m_hWnd));
 }

@@ -30,8 +30,7 @@ TEST(MoveSizeTest, CaptionsMoveAndGripsMoveTheirEdgesWithinTheSizeLimits) {
   };
   for (const Case& c : cases)
     EXPECT_EQ(detail::MoveSizeRect(start, c.hitTest, c.delta, minimum, maximum), c.expected) << c.hitTest;
-  EXPECT_TRUE(detail::IsMoveSizeArea(HTBOTTOMRIGHT));
-  EXPECT_FALSE(detail::IsMoveSizeArea(HTCLIENT));
+  EXPECT_TRUE(detail::IsMoveSizeArea(HTBOTTOMRIGHT) && !detail::IsMoveSizeArea(HTCLIENT));
 }
 
 }  // namespace

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <tuple>
 
 #include <karvelui/Clipboard.h>
 #include <karvelui/WindowHelpers.h>
@@ -18,12 +19,11 @@ std::string DesktopClipboardText() {
   return result;
 }
 
-std::vector<BYTE> Utf16Bytes(std::u16string text) {
+// Little-endian UTF-16 bytes, ended by a zero unit when `terminated`.
+std::vector<BYTE> Utf16Bytes(std::u16string text, bool terminated = false) {
+  if (terminated) text.push_back(u'\0');
   std::vector<BYTE> bytes;
-  for (char16_t unit : text) {
-    bytes.push_back(static_cast<BYTE>(unit & 0xFF));
-    bytes.push_back(static_cast<BYTE>(unit >> 8));
-  }
+  for (char16_t unit : text) bytes.insert(bytes.end(), {static_cast<BYTE>(unit & 0xFF), static_cast<BYTE>(unit >> 8)});
   return bytes;
 }
 
@@ -36,24 +36,18 @@ TEST(ClipboardHelpers, TextRoundTripsAsUtf16UnderThePlainTextId) {
   EXPECT_EQ(DesktopClipboardText(), text.ToUtf8());
   std::vector<BYTE> data;
   ASSERT_TRUE(GetClipboardData(CF_TEXT, data));
-  std::vector<BYTE> expected = Utf16Bytes(u"Gr\u00fc\u00dfe \u6f22\u5b57 \U0001F600");
-  expected.insert(expected.end(), {0, 0});
-  EXPECT_EQ(data, expected);
+  EXPECT_EQ(data, Utf16Bytes(u"Gr\u00fc\u00dfe \u6f22\u5b57 \U0001F600", true));
 
   // An empty text leaves the clipboard alone; text from another program reads back as UTF-16.
   CopyTextToClipborder(CString());
   EXPECT_EQ(DesktopClipboardText(), text.ToUtf8());
   SDL_SetClipboardText("elsewhere");
   ASSERT_TRUE(GetClipboardData(CF_UNICODETEXT, data));
-  expected = Utf16Bytes(u"elsewhere");
-  expected.insert(expected.end(), {0, 0});
-  EXPECT_EQ(data, expected);
+  EXPECT_EQ(data, Utf16Bytes(u"elsewhere", true));
 
   EXPECT_FALSE(SetClipboardData(CF_TEXT, {65, 0, 0, 0}));  // data needs an open clipboard
   ASSERT_TRUE(OpenClipboard(nullptr));
-  EXPECT_FALSE(OpenClipboard(nullptr));
-  EXPECT_TRUE(CloseClipboard());
-  EXPECT_FALSE(CloseClipboard());
+  EXPECT_EQ((std::vector{OpenClipboard(nullptr), CloseClipboard(), CloseClipboard()}), (std::vector{FALSE, TRUE, FALSE}));
 }
 
 TEST(ClipboardHelpers, FileDropBlockHasTheExactLayout) {
@@ -76,8 +70,7 @@ TEST(ClipboardHelpers, FilesGoOnTheClipboardWithTheirDropEffect) {
   files.Add(L"\\home\\me\\a b.jpg");
   files.Add(L"\\tmp\\\u00e9.png");
   const UINT effectFormat = RegisterClipboardFormatW(L"Preferred DropEffect");
-  EXPECT_GE(effectFormat, 0xC000u);
-  EXPECT_EQ(RegisterClipboardFormatW(L"preferred dropeffect"), effectFormat);
+  EXPECT_TRUE(effectFormat >= 0xC000u && RegisterClipboardFormatW(L"preferred dropeffect") == effectFormat);
 
   CopyFilesToClipBoard(files, TRUE);
   std::vector<BYTE> data;
@@ -102,29 +95,22 @@ TEST(WindowHelpers, TransparencyMakesTheWindowLayeredWithoutActivatingItAndState
   ASSERT_TRUE(MakeWindow(wnd, CRect(0, 0, 10, 10), WS_POPUP | WS_VISIBLE));
   ASSERT_TRUE(MakeWindow(other, CRect(0, 0, 10, 10), WS_POPUP | WS_VISIBLE));
   EXPECT_EQ(MakeWindowTransparent(wnd.m_hWnd, L'\x32'), 0u);  // 50 %
-  EXPECT_TRUE(wnd.GetExStyle() & WS_EX_LAYERED);
-  EXPECT_EQ(GetActiveWindow(), other.m_hWnd);
+  EXPECT_TRUE((wnd.GetExStyle() & WS_EX_LAYERED) && GetActiveWindow() == other.m_hWnd);
   COLORREF key = 0;
   BYTE alpha = 0;
   DWORD flags = 0;
   ASSERT_TRUE(GetLayeredWindowAttributes(wnd.m_hWnd, &key, &alpha, &flags));
-  EXPECT_EQ(alpha, 127);
-  EXPECT_EQ(flags, LWA_ALPHA);
-
+  EXPECT_EQ(std::make_tuple(alpha, flags), std::make_tuple(BYTE{127}, DWORD{LWA_ALPHA}));
   EXPECT_EQ(MakeWindowTransparent(wnd.m_hWnd, L'\x50', RGB(9, 8, 7)), 1u);  // 80 %
   ASSERT_TRUE(GetLayeredWindowAttributes(wnd.m_hWnd, &key, &alpha, &flags));
-  EXPECT_EQ(alpha, 204);
-  EXPECT_EQ(key, RGB(9, 8, 7));
-  EXPECT_EQ(flags, LWA_ALPHA | LWA_COLORKEY);
+  EXPECT_EQ(std::make_tuple(alpha, key, flags), std::make_tuple(BYTE{204}, RGB(9, 8, 7), DWORD{LWA_ALPHA | LWA_COLORKEY}));
   EXPECT_EQ(MakeWindowTransparent(nullptr, L'\x50', 0), 0u);
 
   wnd.ShowWindow(SW_MAXIMIZE);
   wnd.ShowWindow(SW_MINIMIZE);
   EXPECT_TRUE(IsWndMinimized(wnd.m_hWnd));
   wnd.ShowWindow(SW_RESTORE);  // back to maximised
-  EXPECT_FALSE(IsWndMinimized(wnd.m_hWnd));
-  EXPECT_TRUE(IsWndMaximized(wnd.m_hWnd));
-  EXPECT_FALSE(IsWndMinimized(nullptr));
+  EXPECT_TRUE(!IsWndMinimized(wnd.m_hWnd) && IsWndMaximized(wnd.m_hWnd) && !IsWndMinimized(nullptr));
 }
 
 // --- opening web pages ----------------------------------------------------------------------------
@@ -185,10 +171,10 @@ TEST(SafeOpenWeb, OpensTheUrlThenTheBrowserProgramThenTellsTheUser) {
     }
     ASSERT_EQ(capture.boxes.size(), failures == 2 ? 1u : 0u);
     if (failures == 2) {
-      EXPECT_EQ(capture.boxes[0].owner, nullptr);
-      EXPECT_EQ(capture.boxes[0].text, L"can't open iexplore.exe, please setup iexplore !");
-      EXPECT_EQ(capture.boxes[0].caption, L"tips message!");
-      EXPECT_EQ(capture.boxes[0].type, MB_ICONINFORMATION);
+      const auto& box = capture.boxes[0];
+      EXPECT_EQ(std::make_tuple(box.owner, box.text, box.caption, box.type),
+                std::make_tuple(HWND{}, CString(L"can't open iexplore.exe, please setup iexplore !"),
+                                CString(L"tips message!"), UINT{MB_ICONINFORMATION}));
     }
   }
 }

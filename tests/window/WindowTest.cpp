@@ -1,6 +1,8 @@
 // Windows: creation and destruction, activation, placement, the desktop's
 // drag and resize areas, shape and translucency, and screen metrics.
 
+#include <tuple>
+
 #include <karvelui/Screen.h>
 #include "platform/window/EventTranslator.h"
 #include "platform/window/Regions.h"
@@ -22,12 +24,10 @@ TEST(WindowLifecycle, CreationSendsCreateMoveSizeDestructionDestroyAndRefusedCre
   ASSERT_TRUE(MakeWindow(owner, CRect(0, 0, 10, 10)));
   ASSERT_TRUE(wnd.CreateEx(WS_EX_TOOLWINDOW, TestClass(), L"title", WS_POPUP, CRect(5, 6, 105, 56), &owner, 77));
   EXPECT_EQ(wnd.Messages(), (std::vector<UINT>{WM_CREATE, WM_MOVE, WM_SIZE}));
-  EXPECT_EQ(PointOf(wnd.log[1].lParam), CPoint(5, 6));
-  EXPECT_EQ(wnd.log[2].wParam, SIZE_RESTORED);
-  EXPECT_EQ(PointOf(wnd.log[2].lParam), CPoint(100, 50));
-  EXPECT_EQ(wnd.seen.dwExStyle, WS_EX_TOOLWINDOW);
-  EXPECT_EQ(wnd.seen.hwndParent, owner.m_hWnd);
-  EXPECT_EQ(wnd.GetDlgCtrlID(), 77u);
+  EXPECT_EQ(std::make_tuple(PointOf(wnd.log[1].lParam), wnd.log[2].wParam, PointOf(wnd.log[2].lParam)),
+            std::make_tuple(CPoint(5, 6), WPARAM{SIZE_RESTORED}, CPoint(100, 50)));
+  EXPECT_EQ(std::make_tuple(wnd.seen.dwExStyle, wnd.seen.hwndParent, wnd.GetDlgCtrlID()),
+            std::make_tuple(DWORD{WS_EX_TOOLWINDOW}, owner.m_hWnd, 77u));
   EXPECT_EQ(wnd.GetWindowText() + L"/" + wnd.GetClassName(), CString(L"title/") + TestClass());
 
   const HWND hwnd = wnd.m_hWnd;
@@ -72,11 +72,8 @@ TEST(WindowLifecycle, CloseDestroysByDefaultAndSystemCommandsReachTheWindow) {
   PushWindowEvent(wnd.m_hWnd, SDL_WINDOWEVENT_CLOSE);
   PumpAll();
   EXPECT_EQ(wnd.Messages(), (std::vector<UINT>{WM_SYSCOMMAND, WM_CLOSE, WM_DESTROY}));
-  EXPECT_EQ(wnd.log[0].wParam, SC_CLOSE);
-  EXPECT_EQ(wnd.m_hWnd, nullptr);
+  EXPECT_EQ(std::make_tuple(wnd.log[0].wParam, wnd.m_hWnd), std::make_tuple(WPARAM{SC_CLOSE}, HWND{}));
 }
-
-// --- visibility and activation ------------------------------------------------------------
 
 TEST(WindowActivation, ShowingActivatesTheLoserLearnsWhoWonAndHidingGivesActivationBackToTheOwner) {
   RecordingWnd a, b, popup;
@@ -86,23 +83,20 @@ TEST(WindowActivation, ShowingActivatesTheLoserLearnsWhoWonAndHidingGivesActivat
   EXPECT_FALSE(a.ShowWindow(SW_SHOW));
   EXPECT_TRUE(a.ShowWindow(SW_SHOW));  // the previous state: visible
   EXPECT_EQ(a.Messages(), (std::vector<UINT>{WM_SHOWWINDOW, WM_ACTIVATE}));
-  EXPECT_EQ(LOWORD(a.log[1].wParam), WA_ACTIVE);
-  EXPECT_EQ(GetFocus(), a.m_hWnd);
+  EXPECT_EQ(std::make_tuple(LOWORD(a.log[1].wParam), GetFocus()), std::make_tuple(WORD{WA_ACTIVE}, a.m_hWnd));
   a.log.clear();
   b.ShowWindow(SW_SHOW);
   ASSERT_EQ(a.Of(WM_ACTIVATE).size(), 1u);
-  EXPECT_EQ(LOWORD(a.Of(WM_ACTIVATE)[0].wParam), WA_INACTIVE);
-  EXPECT_EQ(reinterpret_cast<HWND>(a.Of(WM_ACTIVATE)[0].lParam), b.m_hWnd);
+  EXPECT_EQ(std::make_tuple(LOWORD(a.Of(WM_ACTIVATE)[0].wParam), reinterpret_cast<HWND>(a.Of(WM_ACTIVATE)[0].lParam)),
+            std::make_tuple(WORD{WA_INACTIVE}, b.m_hWnd));
   EXPECT_EQ(reinterpret_cast<HWND>(b.Of(WM_ACTIVATE).at(0).lParam), a.m_hWnd);
 
   // A tool window shown without activation leaves the active window alone;
   // hiding an active popup gives activation back to its owner.
   ASSERT_TRUE(MakeWindow(popup, CRect(10, 0, 20, 10), WS_POPUP, WS_EX_TOOLWINDOW, &b));
   popup.SetWindowPos(HWND_TOPMOST, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_SHOWWINDOW | SWP_NOACTIVATE);
-  EXPECT_TRUE(popup.IsWindowVisible());
-  EXPECT_TRUE(popup.GetExStyle() & WS_EX_TOPMOST);
+  EXPECT_TRUE(popup.IsWindowVisible() && (popup.GetExStyle() & WS_EX_TOPMOST) && popup.Of(WM_ACTIVATE).empty());
   EXPECT_EQ(GetActiveWindow(), b.m_hWnd);
-  EXPECT_TRUE(popup.Of(WM_ACTIVATE).empty());
   popup.SetActiveWindow();
   b.log.clear();
   popup.ShowWindow(SW_HIDE);
@@ -122,7 +116,7 @@ TEST(WindowActivation, LosingDesktopFocusDeactivatesOnlyWhenNoWindowOfOursTakesI
   // Focus moving between our windows: one change, to the other window.
   PushWindowEvent(a.m_hWnd, SDL_WINDOWEVENT_FOCUS_LOST);
   PumpAll();
-  EXPECT_TRUE(a.log.empty());
+  EXPECT_TRUE(a.log.empty());  // not yet: the focus may go to a window of ours
   PushWindowEvent(b.m_hWnd, SDL_WINDOWEVENT_FOCUS_GAINED);
   PumpAll();
   ASSERT_EQ(a.log.size(), 1u);
@@ -137,12 +131,9 @@ TEST(WindowActivation, LosingDesktopFocusDeactivatesOnlyWhenNoWindowOfOursTakesI
   clock.Advance(detail::kDeactivationGraceMs);
   PumpAll();
   ASSERT_EQ(a.log.size(), 1u);
-  EXPECT_EQ(LOWORD(a.log[0].wParam), WA_INACTIVE);
-  EXPECT_EQ(a.log[0].lParam, 0);
-  EXPECT_EQ(GetActiveWindow(), nullptr);
+  EXPECT_EQ(std::make_tuple(LOWORD(a.log[0].wParam), a.log[0].lParam, GetActiveWindow()),
+            std::make_tuple(WORD{WA_INACTIVE}, LPARAM{0}, HWND{}));
 }
-
-// --- placement ----------------------------------------------------------------------------------
 
 TEST(WindowPlacement, MoveSizeAndCoordinateConversions) {
   RecordingWnd wnd;
@@ -152,16 +143,15 @@ TEST(WindowPlacement, MoveSizeAndCoordinateConversions) {
   wnd.MoveWindow(30, 40, 200, 100);
   EXPECT_EQ(wnd.Messages(), (std::vector<UINT>{WM_MOVE, WM_SIZE}));
   EXPECT_EQ(PointOf(wnd.log[1].lParam), CPoint(200, 100));
-  CRect rect;
-  wnd.GetWindowRect(&rect);
-  EXPECT_EQ(rect, CRect(30, 40, 230, 140));
-  wnd.GetClientRect(&rect);
-  EXPECT_EQ(rect, CRect(0, 0, 200, 100));
-  CPoint p(5, 6);
+  EXPECT_EQ(WindowRectOf(wnd), CRect(30, 40, 230, 140));
+  CRect client;
+  wnd.GetClientRect(&client);
+  EXPECT_EQ(client, CRect(0, 0, 200, 100));
+  CPoint p(5, 6), screen;
   wnd.ClientToScreen(&p);
-  EXPECT_EQ(p, CPoint(35, 46));
+  screen = p;
   wnd.ScreenToClient(&p);
-  EXPECT_EQ(p, CPoint(5, 6));
+  EXPECT_EQ(std::make_tuple(screen, p), std::make_tuple(CPoint(35, 46), CPoint(5, 6)));
 
   wnd.log.clear();
   wnd.SetWindowPos(nullptr, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
@@ -173,12 +163,9 @@ TEST(WindowPlacement, ChildWindowsFollowTheirParent) {
   ASSERT_TRUE(MakeWindow(parent, CRect(100, 100, 300, 300), WS_POPUP | WS_VISIBLE));
   ASSERT_TRUE(MakeWindow(child, CRect(10, 20, 30, 40), WS_CHILD | WS_VISIBLE, 0, &parent));
   EXPECT_EQ(child.GetParent(), &parent);
-  CRect rect;
-  child.GetWindowRect(&rect);
-  EXPECT_EQ(rect, CRect(110, 120, 130, 140));
+  EXPECT_EQ(WindowRectOf(child), CRect(110, 120, 130, 140));
   parent.MoveWindow(50, 60, 200, 200);
-  child.GetWindowRect(&rect);
-  EXPECT_EQ(rect, CRect(60, 80, 80, 100));
+  EXPECT_EQ(WindowRectOf(child), CRect(60, 80, 80, 100));
   int x = 0, y = 0;
   SDL_GetWindowPosition(detail::SdlWindowOf(child.m_hWnd), &x, &y);
   EXPECT_EQ(CPoint(x, y), CPoint(60, 80));
@@ -206,21 +193,17 @@ TEST(WindowPlacement, MaximiseUsesTheMinMaxInfoAndRestoreGoesBack) {
   wnd.SendMessage(WM_SYSCOMMAND, SC_MAXIMIZE);
   EXPECT_TRUE(IsZoomed(wnd.m_hWnd));
   ASSERT_EQ(wnd.log.size(), 1u);
-  EXPECT_EQ(wnd.log[0].wParam, SIZE_MAXIMIZED);
-  EXPECT_EQ(PointOf(wnd.log[0].lParam), CPoint(500, 400));
-  CRect rect;
-  wnd.GetWindowRect(&rect);
+  EXPECT_EQ(std::make_tuple(wnd.log[0].wParam, PointOf(wnd.log[0].lParam)),
+            std::make_tuple(WPARAM{SIZE_MAXIMIZED}, CPoint(500, 400)));
   MONITORINFO monitor;
   ASSERT_TRUE(GetMonitorInfoW(MonitorFromWindow(wnd.m_hWnd, MONITOR_DEFAULTTONEAREST), &monitor));
-  EXPECT_EQ(rect.TopLeft(), monitor.rcMonitor.TopLeft() + CPoint(-3, -3));
-
+  EXPECT_EQ(WindowRectOf(wnd).TopLeft(), monitor.rcMonitor.TopLeft() + CPoint(-3, -3));
   wnd.log.clear();
   wnd.SendMessage(WM_SYSCOMMAND, SC_RESTORE);
   EXPECT_FALSE(wnd.IsZoomed());
   ASSERT_EQ(wnd.log.size(), 1u);
   EXPECT_EQ(wnd.log[0].wParam, SIZE_RESTORED);
-  wnd.GetWindowRect(&rect);
-  EXPECT_EQ(rect, CRect(10, 10, 210, 160));
+  EXPECT_EQ(WindowRectOf(wnd), CRect(10, 10, 210, 160));
 }
 
 TEST(WindowPlacement, MinimisedStateFollowsTheDesktopAndRestoresToMaximised) {
@@ -231,14 +214,12 @@ TEST(WindowPlacement, MinimisedStateFollowsTheDesktopAndRestoresToMaximised) {
   wnd.log.clear();
   PushWindowEvent(wnd.m_hWnd, SDL_WINDOWEVENT_MINIMIZED);
   PumpAll();
-  EXPECT_TRUE(wnd.GetStyle() & WS_MINIMIZE);
-  EXPECT_TRUE(wnd.GetStyle() & WS_MAXIMIZE);
+  EXPECT_EQ(wnd.GetStyle() & (WS_MINIMIZE | WS_MAXIMIZE), DWORD{WS_MINIMIZE | WS_MAXIMIZE});
   PushWindowEvent(wnd.m_hWnd, SDL_WINDOWEVENT_RESTORED);
   PumpAll();
   EXPECT_FALSE(wnd.GetStyle() & WS_MINIMIZE);
   ASSERT_EQ(wnd.log.size(), 2u);
-  EXPECT_EQ(wnd.log[0].wParam, SIZE_MINIMIZED);
-  EXPECT_EQ(wnd.log[1].wParam, SIZE_MAXIMIZED);
+  EXPECT_EQ(std::make_tuple(wnd.log[0].wParam, wnd.log[1].wParam), std::make_tuple(WPARAM{SIZE_MINIMIZED}, WPARAM{SIZE_MAXIMIZED}));
 }
 
 TEST(WindowPlacement, DesktopResizesReachTheWindowOnce) {
@@ -251,12 +232,8 @@ TEST(WindowPlacement, DesktopResizesReachTheWindowOnce) {
   PushWindowEvent(wnd.m_hWnd, SDL_WINDOWEVENT_MOVED, 7, 8);
   PumpAll();
   EXPECT_EQ(wnd.Messages(), (std::vector<UINT>{WM_SIZE, WM_MOVE}));
-  CRect rect;
-  wnd.GetWindowRect(&rect);
-  EXPECT_EQ(rect, CRect(7, 8, 157, 128));
+  EXPECT_EQ(WindowRectOf(wnd), CRect(7, 8, 157, 128));
 }
-
-// --- hit testing ------------------------------------------------------------------------------
 
 TEST(WindowHitTest, CaptionAndGripCodesBecomeDesktopDragAndResizeAreas) {
   class Framed : public CWnd {
@@ -275,14 +252,11 @@ TEST(WindowHitTest, CaptionAndGripCodesBecomeDesktopDragAndResizeAreas) {
     const SDL_Point p{x, y};
     return detail::HitTestCallback(window, &p, wnd.m_hWnd);
   };
-  EXPECT_EQ(area(50, 10), SDL_HITTEST_DRAGGABLE);
-  EXPECT_EQ(area(2, 2), SDL_HITTEST_RESIZE_TOPLEFT);
-  EXPECT_EQ(area(50, 2), SDL_HITTEST_RESIZE_TOP);
-  EXPECT_EQ(area(97, 50), SDL_HITTEST_RESIZE_RIGHT);
-  EXPECT_EQ(area(50, 50), SDL_HITTEST_NORMAL);
-  wnd.ShowWindow(SW_MAXIMIZE);
-  EXPECT_EQ(area(50, 10), SDL_HITTEST_DRAGGABLE);
-  EXPECT_EQ(area(2, 2), SDL_HITTEST_NORMAL);
+  EXPECT_EQ((std::vector{area(50, 10), area(2, 2), area(50, 2), area(97, 50), area(50, 50)}),
+            (std::vector{SDL_HITTEST_DRAGGABLE, SDL_HITTEST_RESIZE_TOPLEFT, SDL_HITTEST_RESIZE_TOP,
+                         SDL_HITTEST_RESIZE_RIGHT, SDL_HITTEST_NORMAL}));
+  wnd.ShowWindow(SW_MAXIMIZE);  // dragged still, never resized
+  EXPECT_EQ(std::make_tuple(area(50, 10), area(2, 2)), std::make_tuple(SDL_HITTEST_DRAGGABLE, SDL_HITTEST_NORMAL));
 
   const std::pair<LRESULT, SDL_HitTestResult> grips[] = {
       {HTLEFT, SDL_HITTEST_RESIZE_LEFT},          {HTRIGHT, SDL_HITTEST_RESIZE_RIGHT},
@@ -293,18 +267,11 @@ TEST(WindowHitTest, CaptionAndGripCodesBecomeDesktopDragAndResizeAreas) {
   for (const auto& [code, result] : grips) EXPECT_EQ(detail::HitTestResultFor(code, false), result) << code;
 }
 
-// --- shape and translucency ----------------------------------------------------------------------
-
 TEST(WindowShape, RoundRectRegionsCutTheCornersAndLeaveOutTheLastRowAndColumn) {
   HRGN round = CreateRoundRectRgn(0, 0, 21, 21, 10, 10);
   EXPECT_EQ(round->GetBox(), CRect(0, 0, 20, 20));
-  EXPECT_FALSE(round->Contains(CPoint(0, 0)));
-  EXPECT_FALSE(round->Contains(CPoint(19, 19)));
-  EXPECT_FALSE(round->Contains(CPoint(20, 10)));
-  EXPECT_TRUE(round->Contains(CPoint(0, 10)));
-  EXPECT_TRUE(round->Contains(CPoint(10, 0)));
-  EXPECT_TRUE(round->Contains(CPoint(19, 10)));
-  EXPECT_TRUE(round->Contains(CPoint(3, 3)));
+  for (CPoint out : {CPoint(0, 0), CPoint(19, 19), CPoint(20, 10)}) EXPECT_FALSE(round->Contains(out)) << out.x;
+  for (CPoint in : {CPoint(0, 10), CPoint(10, 0), CPoint(19, 10), CPoint(3, 3)}) EXPECT_TRUE(round->Contains(in)) << in.x;
   // Without usable diameters: the same reduced rectangle.
   EXPECT_EQ(CreateRoundRectRgn(0, 0, 21, 21, 0, 0)->Rects(), std::vector<CRect>{CRect(0, 0, 20, 20)});
 }
@@ -337,9 +304,7 @@ TEST(WindowShape, LayeredAttributesNeedTheLayeredStyle) {
   BYTE alpha = 0;
   DWORD flags = 0;
   ASSERT_TRUE(wnd.GetLayeredWindowAttributes(&key, &alpha, &flags));
-  EXPECT_EQ(key, RGB(1, 2, 3));
-  EXPECT_EQ(alpha, 128);
-  EXPECT_EQ(flags, LWA_ALPHA | LWA_COLORKEY);
+  EXPECT_EQ(std::make_tuple(key, alpha, flags), std::make_tuple(RGB(1, 2, 3), BYTE{128}, DWORD{LWA_ALPHA | LWA_COLORKEY}));
   wnd.ModifyStyleEx(WS_EX_LAYERED, 0);
   EXPECT_FALSE(wnd.GetLayeredWindowAttributes(&key, &alpha, &flags));
   wnd.ModifyStyleEx(0, WS_EX_LAYERED);
@@ -347,17 +312,14 @@ TEST(WindowShape, LayeredAttributesNeedTheLayeredStyle) {
   EXPECT_EQ(alpha, 255);
 }
 
-// --- screen metrics ------------------------------------------------------------------------------
-
 TEST(ScreenMetrics, MatchTheDisplaysAndFindTheNearestMonitor) {
   SDL_Rect bounds, usable;
   ASSERT_TRUE(detail::EnsureVideo());
   ASSERT_EQ(SDL_GetDisplayBounds(0, &bounds), 0);
   ASSERT_EQ(SDL_GetDisplayUsableBounds(0, &usable), 0);
-  EXPECT_EQ(GetSystemMetrics(SM_CXSCREEN), bounds.w);
-  EXPECT_EQ(GetSystemMetrics(SM_CYSCREEN), bounds.h);
-  EXPECT_EQ(GetSystemMetrics(SM_CXFULLSCREEN), usable.w);
-  EXPECT_EQ(GetSystemMetrics(SM_CYFULLSCREEN), usable.h);
+  EXPECT_EQ((std::vector{GetSystemMetrics(SM_CXSCREEN), GetSystemMetrics(SM_CYSCREEN),
+                         GetSystemMetrics(SM_CXFULLSCREEN), GetSystemMetrics(SM_CYFULLSCREEN)}),
+            (std::vector{bounds.w, bounds.h, usable.w, usable.h}));
   CRect work;
   ASSERT_TRUE(SystemParametersInfoW(SPI_GETWORKAREA, 0, &work, 0));
   EXPECT_EQ(work, CRect(usable.x, usable.y, usable.x + usable.w, usable.y + usable.h));
@@ -372,7 +334,6 @@ TEST(ScreenMetrics, MatchTheDisplaysAndFindTheNearestMonitor) {
   int delay = -1, speed = -1;
   ASSERT_TRUE(SystemParametersInfoW(SPI_GETKEYBOARDDELAY, 0, &delay, 0));
   ASSERT_TRUE(SystemParametersInfoW(SPI_GETKEYBOARDSPEED, 0, &speed, 0));
-  EXPECT_EQ(KeyboardRepeatDelayMs(), static_cast<UINT>(250 * (delay + 1)));
-  EXPECT_EQ(speed, 31);
-  EXPECT_EQ(KeyboardRepeatIntervalMs(), 33u);  // about 30 a second
+  EXPECT_EQ(std::make_tuple(KeyboardRepeatDelayMs(), speed, KeyboardRepeatIntervalMs()),
+            std::make_tuple(static_cast<UINT>(250 * (delay + 1)), 31, 33u));  // about 30 a second
 }
