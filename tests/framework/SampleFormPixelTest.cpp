@@ -51,21 +51,18 @@ class SampleFormPixelTest : public SkinManagerTest {
   void ExpectSkin(const Frame& frame, const Expected& skin) {
     const CRect client = form->GetBounds();
     const int w = client.Width(), h = client.Height();
-    EXPECT_EQ(frame.At(skin.corner.x, skin.corner.y), skin.cornerColour);
-    EXPECT_EQ(frame.At(w - 1 - skin.corner.x, skin.corner.y), skin.cornerColour);
-    EXPECT_EQ(frame.At(skin.edgeX, h / 2), skin.edgeColour);
-    EXPECT_EQ(frame.At(w - 1 - skin.edgeX, h / 2), skin.edgeColour);
-    EXPECT_EQ(frame.At(w / 2, h - 1 - skin.edgeX), skin.edgeColour);
-    EXPECT_EQ(frame.At(w / 2, h / 2), skin.centreColour);
+    EXPECT_EQ((std::vector{frame.At(skin.corner.x, skin.corner.y), frame.At(w - 1 - skin.corner.x, skin.corner.y),
+                           frame.At(skin.edgeX, h / 2), frame.At(w - 1 - skin.edgeX, h / 2),
+                           frame.At(w / 2, h - 1 - skin.edgeX), frame.At(w / 2, h / 2)}),
+              (std::vector{skin.cornerColour, skin.cornerColour, skin.edgeColour, skin.edgeColour, skin.edgeColour,
+                           skin.centreColour}));
   }
 
   CUIForm* form = nullptr;
 };
 
 TEST_F(SampleFormPixelTest, TheBorderPictureFramesTheWindowInEachSkinAndFollowsItsSize) {
-  CRect window;
-  form->GetWindowRect(&window);
-  ASSERT_EQ(window, CRect(120, 80, 1080, 720));
+  ASSERT_EQ(WindowRectOf(*form), CRect(120, 80, 1080, 720));
   ExpectSkin(Paint(), kGraphite);
   form->MoveWindow(120, 80, 500, 300);
   ASSERT_EQ(form->GetBounds(), CRect(0, 0, 500, 300));

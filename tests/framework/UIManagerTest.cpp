@@ -32,9 +32,9 @@ TEST_F(UIManagerTest, FormsRegisterThemselvesOnceForTheirLifeAndTheFirstOfANameW
     Manager()->GetForms(L"About", found);
     EXPECT_THAT(found.std_vector(), ElementsAre(&about));
   }
-  EXPECT_EQ(Manager()->IsExist(CString(L"Viewer")), &a);
-  EXPECT_EQ(Manager()->IsExist(CString(L"viewer")), nullptr);
-  EXPECT_EQ(Manager()->IsExist(CString(L"About")), nullptr);
+  EXPECT_EQ((std::vector{Manager()->IsExist(CString(L"Viewer")), Manager()->IsExist(CString(L"viewer")),
+                         Manager()->IsExist(CString(L"About"))}),
+            (std::vector<CUIForm*>{&a, nullptr, nullptr}));
 }
 
 TEST_F(UIManagerTest, OnceFormsAreKeptByNameUntilTheirFormGoes) {
@@ -46,11 +46,11 @@ TEST_F(UIManagerTest, OnceFormsAreKeptByNameUntilTheirFormGoes) {
     Manager()->RegisterOnceForm(&keeper, L"Keeper");
     EXPECT_EQ(Manager()->IsExistOnceForm(L"settings"), nullptr);
     Manager()->UnRegisterOnceForm(&once);  // the first in name order only
-    EXPECT_EQ(Manager()->IsExistOnceForm(L"Alias"), nullptr);
-    EXPECT_EQ(Manager()->IsExistOnceForm(L"Settings"), &once);
+    EXPECT_EQ(std::make_tuple(Manager()->IsExistOnceForm(L"Alias"), Manager()->IsExistOnceForm(L"Settings")),
+              std::make_tuple(static_cast<CUIForm*>(nullptr), &once));
   }
-  EXPECT_EQ(Manager()->IsExistOnceForm(L"Settings"), nullptr);
-  EXPECT_EQ(Manager()->IsExistOnceForm(L"Keeper"), &keeper);
+  EXPECT_EQ(std::make_tuple(Manager()->IsExistOnceForm(L"Settings"), Manager()->IsExistOnceForm(L"Keeper")),
+            std::make_tuple(static_cast<CUIForm*>(nullptr), &keeper));
 }
 
 class UIManagerFormsTest : public FormTest {};
