@@ -87,14 +87,10 @@ TEST(ButtonConfigTest, AShadowWithoutAnOffsetFallsOneDownRightAndTheFocusColourO
   _ButtonConfig read, copy;
   CSkinReader reader(xml.Node(L"B"));
   ASSERT_EQ(read.Read(&reader), 1);
-  EXPECT_EQ(read.m_clrTextFocus, 0xFF0A141Eu);
-  EXPECT_EQ(read.m_ptTextShadowOffset, CPoint(1, 1));
+  EXPECT_EQ(std::make_tuple(read.m_clrTextFocus, read.m_ptTextShadowOffset), std::make_tuple(0xFF0A141Eu, CPoint(1, 1)));
   copy.Copy(&read);  // everything but the offset, deliberately
-  EXPECT_EQ(copy.m_clrTextFocus, 0xFF0A141Eu);
-  EXPECT_EQ(copy.m_ptTextShadowOffset, CPoint(0, 0));
+  EXPECT_EQ(std::make_tuple(copy.m_clrTextFocus, copy.m_ptTextShadowOffset), std::make_tuple(0xFF0A141Eu, CPoint(0, 0)));
 }
-
-// --- auto-repeat ------------------------------------------------------------------------------
 
 TEST(ButtonRepeatTimesTest, DelayAndIntervalFollowTheKeyboardSettings) {
   const std::pair<int, int> delays[] = {{-1, 250}, {0, 250}, {1, 500}, {2, 750}, {3, 1000}, {4, 250}};
@@ -127,11 +123,10 @@ class ButtonRepeatTest : public ButtonTest {
 TEST_F(ButtonRepeatTest, AHeldButtonClicksAfterTheDelayThenEveryIntervalAndOnceOnRelease) {
   const int delay = ButtonRepeatDelayMs(1), interval = ButtonRepeatIntervalMs(31);  // the desktop's settings
   Mouse(a, WM_LBUTTONDOWN);
-  EXPECT_EQ(ClicksAfter(delay - 1), 0u);
-  EXPECT_EQ(ClicksAfter(1), 1u);
-  EXPECT_EQ(ClicksAfter(interval - 1), 1u);
-  EXPECT_EQ(ClicksAfter(1), 2u);
-  EXPECT_EQ(ClicksAfter(interval), 3u);
+  const int steps[] = {delay - 1, 1, interval - 1, 1, interval};
+  std::vector<size_t> clicks;
+  for (int ms : steps) clicks.push_back(ClicksAfter(ms));
+  EXPECT_THAT(clicks, ElementsAre(0u, 1u, 1u, 2u, 3u));
   Mouse(a, WM_LBUTTONUP);
   EXPECT_EQ(events.lines.size(), 4u);
   EXPECT_EQ(ClicksAfter(10 * interval), 4u);

@@ -84,28 +84,22 @@ TEST_F(CaptionTest, MaximisingSwapsInTheRestoreButtonAndRestoringSwapsBack) {
   CUIControl* restore = caption->FindControl(L"SysButtonRestore");
   auto shown = [&] { return std::make_pair(max->IsShown() != FALSE, restore->IsShown() != FALSE); };
   form->ShowWindow(SW_SHOWMAXIMIZED);
-  EXPECT_TRUE(caption->IsMaximized());
-  EXPECT_EQ(shown(), std::make_pair(false, true));
-  EXPECT_EQ(restore->GetBounds(), max->GetBounds());
+  EXPECT_TRUE(caption->IsMaximized() && restore->GetBounds() == max->GetBounds());
   caption->OnSize(SIZE_MAXIMIZED);  // again: nothing changes
   EXPECT_EQ(shown(), std::make_pair(false, true));
   form->ShowWindow(SW_RESTORE);
-  EXPECT_FALSE(caption->IsMaximized());
-  EXPECT_EQ(shown(), std::make_pair(true, false));
+  EXPECT_EQ(std::make_tuple(caption->IsMaximized(), shown()), std::make_tuple(FALSE, std::make_pair(true, false)));
 }
 
 TEST_F(CaptionTest, TheFormDragsByTheCaptionButNeverOverItsButtonsShownOrNot) {
-  EXPECT_EQ(caption->IsHitCaption(CPoint(50, 15)), CAPTION_HIT_DRAG);
-  EXPECT_EQ(caption->IsHitCaption(CPoint(105, 15)), CAPTION_HIT_CHILD);  // the hidden help button
-  EXPECT_EQ(caption->IsHitCaption(CPoint(50, 2)), CAPTION_HIT_NONE);     // the caption's margin
-  EXPECT_EQ(caption->IsHitCaption(CPoint(50, 40)), CAPTION_HIT_NONE);
-  EXPECT_EQ(HitTest(50, 15), HTCAPTION);
-  EXPECT_EQ(HitTest(50, 2), HTTOP);                   // the grip above the caption's margin
-  EXPECT_EQ(HitTest(form->GetBounds().right - 14, 15), HTCLIENT);  // the close button
-  EXPECT_EQ(HitTest(50, 100), HTCLIENT);
+  // Over the hidden help button a child; the caption's margin is not the caption.
+  EXPECT_EQ((std::vector{caption->IsHitCaption(CPoint(50, 15)), caption->IsHitCaption(CPoint(105, 15)),
+                         caption->IsHitCaption(CPoint(50, 2)), caption->IsHitCaption(CPoint(50, 40))}),
+            (std::vector<int>{CAPTION_HIT_DRAG, CAPTION_HIT_CHILD, CAPTION_HIT_NONE, CAPTION_HIT_NONE}));
+  // The grip above the caption's margin, the close button, the client area.
+  EXPECT_EQ((std::vector{HitTest(50, 15), HitTest(50, 2), HitTest(form->GetBounds().right - 14, 15), HitTest(50, 100)}),
+            (std::vector<LRESULT>{HTCAPTION, HTTOP, HTCLIENT, HTCLIENT}));
 }
-
-// --- panels -----------------------------------------------------------------------------------------
 
 constexpr const char* kPanels = R"(
   <Panel type="CUIPanel" css="Plain" ass="Panel"><InPanel type="CUIButton" ass="InPanel"/></Panel>
@@ -148,11 +142,9 @@ TEST_F(PanelTest, TheBottomPanelRoutesItsCaptureToItsButtonsAndGivesItUpWhenLeft
   ASSERT_EQ(bounds, CRect(0, 150, 300, 200));
   bar->SetControlCapture();
   Move(30, 180);  // over Left
-  EXPECT_EQ(bar->GetHoverChild(), left);
-  EXPECT_EQ(left->GetButtonStatus(), UIBUTTON_HOVER);
+  EXPECT_EQ(std::make_tuple(bar->GetHoverChild(), left->GetButtonStatus()), std::make_tuple((CUIControl*)left, UIBUTTON_HOVER));
   Move(80, 180);  // over Right
-  EXPECT_EQ(left->GetButtonStatus(), UIBUTTON_NORMAL);
-  EXPECT_EQ(right->GetButtonStatus(), UIBUTTON_HOVER);
+  EXPECT_EQ(std::make_tuple(left->GetButtonStatus(), right->GetButtonStatus()), std::make_tuple(UIBUTTON_NORMAL, UIBUTTON_HOVER));
   form->SendMessage(WM_LBUTTONDOWN, 0, MAKELPARAM(80, 180));
   form->SendMessage(WM_LBUTTONUP, 0, MAKELPARAM(80, 180));
   EXPECT_THAT(events.lines, ElementsAre("1 Right"));
@@ -161,8 +153,6 @@ TEST_F(PanelTest, TheBottomPanelRoutesItsCaptureToItsButtonsAndGivesItUpWhenLeft
   EXPECT_EQ(form->GetCaptureControl(), nullptr);
 }
 
-// --- tooltip window -------------------------------------------------------------------------------
-
 TEST_F(ControlsTest, TheTooltipWindowIsARoundedChildThatSwallowsTheMouse) {
   LoadSkin(R"(<TestForm css="Main"/><Tip/>)",
            R"(<css><CUIForm><Main PositionRect="50, 40, 300, 200"/></CUIForm></css>)");
@@ -170,13 +160,11 @@ TEST_F(ControlsTest, TheTooltipWindowIsARoundedChildThatSwallowsTheMouse) {
   auto* tip = new CUITooltip();
   tip->SetObjectID(L"Tip");
   ASSERT_TRUE(tip->Create(form));
-  EXPECT_TRUE(tip->GetStyle() & WS_CHILD);
-  EXPECT_EQ(Mouse(tip, WM_LBUTTONDOWN), 1);
+  EXPECT_TRUE((tip->GetStyle() & WS_CHILD) && Mouse(tip, WM_LBUTTONDOWN) == 1);
   tip->MoveWindow(0, 0, 80, 60);
   Region region;
   ASSERT_NE(tip->GetWindowRgn(region), RGN_ERROR);
-  EXPECT_FALSE(region.Contains(CPoint(1, 1)));
-  EXPECT_TRUE(region.Contains(CPoint(40, 30)));
+  EXPECT_TRUE(!region.Contains(CPoint(1, 1)) && region.Contains(CPoint(40, 30)));
   tip->Release();
 }
 

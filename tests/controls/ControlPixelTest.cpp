@@ -92,14 +92,11 @@ TEST_F(ControlPixelTest, ASliderFillsItsTrackUpToTheThumbUnlessItsRangeIsEmpty) 
   slider->SetRange(0, 100);
   slider->SetPosition(50);  // thumb (84, 42, 96, 58)
   Frame frame = Paint();
-  EXPECT_EQ(frame.At(12, 50), kWhite);   // groove outside the track
-  EXPECT_EQ(frame.At(50, 50), kGreen);   // fill before the thumb
-  EXPECT_EQ(frame.At(90, 50), kRed);     // thumb
-  EXPECT_EQ(frame.At(130, 50), kWhite);  // groove after it
-  EXPECT_EQ(frame.At(90, 38), kBack);
+  // Groove outside the track, fill before the thumb, the thumb, groove after it, nothing above.
+  EXPECT_EQ((std::vector{frame.At(12, 50), frame.At(50, 50), frame.At(90, 50), frame.At(130, 50), frame.At(90, 38)}),
+            (std::vector{kWhite, kGreen, kRed, kWhite, kBack}));
   slider->SetRange(0, 0);
-  frame = Paint();
-  EXPECT_EQ(frame.At(50, 50), kWhite);
+  EXPECT_EQ(Paint().At(50, 50), kWhite);
 }
 
 TEST_F(ControlPixelTest, AMultiLineLabelWrapsWordsWhereASingleLineLabelStaysOnItsLine) {
@@ -113,10 +110,8 @@ TEST_F(ControlPixelTest, AMultiLineLabelWrapsWordsWhereASingleLineLabelStaysOnIt
   const Frame frame = Paint();
   const CRect one = frame.InkBounds(kBack, CRect(0, 0, 95, 100));
   const CRect many = frame.InkBounds(kBack, CRect(100, 0, 200, 100));
-  EXPECT_LE(one.bottom, 18);  // one line, cut at the label's right edge
-  EXPECT_LE(one.right, 90);
-  EXPECT_GT(many.bottom, one.bottom + 6);  // a second line below the first
-  EXPECT_LE(many.right, 190);
+  EXPECT_TRUE(one.bottom <= 18 && one.right <= 90) << one.bottom << " " << one.right;  // one line, cut at the edge
+  EXPECT_TRUE(many.bottom > one.bottom + 6 && many.right <= 190) << many.bottom;     // a second line below it
 }
 
 }  // namespace

@@ -7,6 +7,7 @@
 #include <gmock/gmock.h>
 
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "framework/FrameworkTestSupport.h"

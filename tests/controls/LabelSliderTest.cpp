@@ -13,8 +13,6 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-// --- label ------------------------------------------------------------------------------------------
-
 constexpr const char* kLabelCss = R"(<CUILabel>
   <Plain ReverseTextColor="0, 0, 255"><Font TextColor="255, 0, 0"/></Plain>
   <Link IsHyperLink="true" IsAlwaysShowHyperLine="false" HyperColor="0, 255, 0" ReverseTextColor="0, 0, 255"/>
@@ -93,12 +91,9 @@ TEST_F(LabelTest, EnteringAndLeavingRaiseTheirEventsOnceEachUnlessDisabled) {
   EXPECT_THAT(events.lines, ElementsAre("5 L", "6 L"));
   events.lines.clear();
   label->SetEnabled(FALSE);
-  EXPECT_EQ(Mouse(label, WM_MOUSEHOVER), 0);
-  EXPECT_EQ(Mouse(label, WM_MOUSELEAVE), 0);
+  EXPECT_EQ(Mouse(label, WM_MOUSEHOVER) + Mouse(label, WM_MOUSELEAVE), 0);
   EXPECT_THAT(events.lines, IsEmpty());
 }
-
-// --- slider --------------------------------------------------------------------------------------------
 
 // A 160 x 20 horizontal and a 20 x 160 vertical slider with 12 x 16 thumbs:
 // their tracks are (14, 15, 166, 25) and (214, 15, 226, 165).
@@ -142,12 +137,11 @@ TEST_F(SliderTest, PositionsMapOntoTheTrackAtBothEndsBeyondThemAndForAnEmptyRang
 }
 
 TEST_F(SliderTest, AVerticalSliderGrowsUpwards) {
-  v->SetPosition(0);
-  EXPECT_EQ(v->GetThumbRect(), CRect(214, 157, 226, 173));
-  v->SetPosition(75);
-  EXPECT_EQ(v->GetThumbRect(), CRect(214, 44, 226, 60));
-  v->SetPosition(100);
-  EXPECT_EQ(v->GetThumbRect().CenterPoint().y, 15);
+  for (auto [position, thumb] : {std::pair{0, CRect(214, 157, 226, 173)}, std::pair{75, CRect(214, 44, 226, 60)},
+                                 std::pair{100, CRect(214, 7, 226, 23)}}) {
+    v->SetPosition(position);
+    EXPECT_EQ(v->GetThumbRect(), thumb) << position;
+  }
 }
 
 TEST_F(SliderTest, ATrackClickPutsTheThumbsLeftEdgeThereAndReportsIt) {
@@ -161,8 +155,7 @@ TEST_F(SliderTest, ATrackClickPutsTheThumbsLeftEdgeThereAndReportsIt) {
     h->SetPosition(50);
     events.lines.clear();
     h->OnLButtonDown(0, CPoint(c.x, 20));
-    EXPECT_EQ(h->GetThumbRect().left, c.thumbLeft) << c.x;
-    EXPECT_EQ(h->GetPosition(), c.position) << c.x;
+    EXPECT_EQ(std::make_tuple(h->GetThumbRect().left, h->GetPosition()), std::make_tuple(c.thumbLeft, c.position)) << c.x;
     EXPECT_THAT(events.lines, ElementsAre("2 H"));
     EXPECT_EQ(form->GetCaptureControl(), h);  // kept until a drag ends
   }
@@ -178,16 +171,13 @@ TEST_F(SliderTest, DraggingPastAnEndPinsAHorizontalThumbAndStopsAVerticalOne) {
   EXPECT_EQ(Mouse(h, WM_LBUTTONDOWN, 90, 20), 1);
   EXPECT_TRUE(h->IsDragging());
   Mouse(h, WM_MOUSEMOVE, 400, 20);
-  EXPECT_EQ(h->GetPosition(), 100);
-  EXPECT_EQ(h->GetThumbRect().right, 166);
+  EXPECT_EQ(std::make_tuple(h->GetPosition(), h->GetThumbRect().right), std::make_tuple(100, LONG{166}));
   Mouse(h, WM_MOUSEMOVE, 500, 20);  // further out: the value stays, the event comes again
   Mouse(h, WM_MOUSEMOVE, -300, 20);
-  EXPECT_EQ(h->GetPosition(), 0);
-  EXPECT_EQ(h->GetThumbRect().left, 14);
+  EXPECT_EQ(std::make_tuple(h->GetPosition(), h->GetThumbRect().left), std::make_tuple(0, LONG{14}));
   EXPECT_THAT(events.lines, ElementsAre("2 H", "2 H", "2 H"));
   Mouse(h, WM_LBUTTONUP, 20, 20);
-  EXPECT_FALSE(h->IsDragging());
-  EXPECT_EQ(form->GetCaptureControl(), nullptr);
+  EXPECT_FALSE(h->IsDragging() || form->GetCaptureControl());
 
   v->SetPosition(50);
   const CRect before = v->GetThumbRect();
@@ -195,12 +185,10 @@ TEST_F(SliderTest, DraggingPastAnEndPinsAHorizontalThumbAndStopsAVerticalOne) {
   Mouse(v, WM_LBUTTONDOWN, 220, before.CenterPoint().y);
   Mouse(v, WM_MOUSEMOVE, 220, before.CenterPoint().y - 20);
   EXPECT_EQ(v->GetPosition(), 65);  // 87 of the 134 pixels of travel, from the placement SetPosition centred
-  Mouse(v, WM_MOUSEMOVE, 220, -500);
+  Mouse(v, WM_MOUSEMOVE, 220, -500);  // stopped, not pinned
   EXPECT_EQ(v->GetThumbRect().top, before.top - 20);
   EXPECT_THAT(events.lines, ElementsAre("2 V", "2 V"));
 }
-
-// --- the factory ---------------------------------------------------------------------------------------
 
 TEST_F(ControlsTest, TheFactoryMakesEveryBuiltInTypeAndHasASkinRecordForEachButTheBottomPanel) {
   LoadSkin("<TestForm/>", R"(<css><CUIForm><X/></CUIForm><CUICaption><X/></CUICaption><CUIButton><X/></CUIButton>

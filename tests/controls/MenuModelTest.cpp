@@ -38,8 +38,7 @@ TEST(MenuModel, LookupsWalkDepthFirstEachNodeBeforeItsChildren) {
   for (IMenu* menu : all) ids.push_back(menu->GetID());
   EXPECT_THAT(ids, ElementsAre(1, 11, -1, 2, 11));
   EXPECT_EQ(root->FindIMenu(11)->GetCaption(), L"A1");
-  EXPECT_EQ(root->FindIMenu(-1), a->GetSubMenu(1));
-  EXPECT_EQ(root->FindIMenu(-2), nullptr);
+  EXPECT_EQ(std::make_tuple(root->FindIMenu(-1), root->FindIMenu(-2)), std::make_tuple(a->GetSubMenu(1), (IMenu*)nullptr));
   root->Release();
 }
 
@@ -48,8 +47,7 @@ TEST(MenuModel, InvokingRunsTheCallbackAndFreesTheRootEvenWhenTheCallbackThrows)
   auto* root = new Watched(freed);
   IMenu* fine = root->AddMenu(L"Fine", 1, 0, 0, MenuHandler(&Record), CString());
   IMenu* failing = root->AddMenu(L"Failing", 2, 0, 0, MenuHandler(&Throw), CString());
-  EXPECT_EQ(fine->Invoke(), 1);
-  EXPECT_EQ(root->AddMenu(L"Silent", 3, 0, 0)->Invoke(), 0);
+  EXPECT_EQ(std::make_tuple(fine->Invoke(), root->AddMenu(L"Silent", 3, 0, 0)->Invoke()), std::make_tuple(1, 0));
   EXPECT_THAT(g_calls, ElementsAre(1));
   EXPECT_EQ(IMenu::InvokeMenu(root, failing, nullptr), 1);
   EXPECT_TRUE(freed);
@@ -68,12 +66,9 @@ TEST(MenuModel, CloneCopiesLeavesButStripsSubMenusAndIcons) {
   const IMenu* fit = copy->GetSubMenu(0);
   EXPECT_EQ(fit->GetCaption(), L"Fit");
   EXPECT_THAT((std::vector<int>{fit->GetID(), fit->IsDisabled(), fit->IsChecked()}), ElementsAre(1, 1, 1));
-  EXPECT_TRUE(fit->GetHandle() == MenuHandler(&Record));
-  EXPECT_EQ(fit->GetICONImage(), nullptr);
-  const IMenu* skins = copy->GetSubMenu(1);
-  EXPECT_EQ(skins->GetCaption(), L"");  // shows as a separator
-  EXPECT_EQ(skins->GetICONFile(), L"");
-  EXPECT_EQ(skins->GetSubMenu(0)->GetCaption(), L"Ocean");
+  EXPECT_TRUE(fit->GetHandle() == MenuHandler(&Record) && fit->GetICONImage() == nullptr);
+  const IMenu* skins = copy->GetSubMenu(1);  // shows as a separator
+  EXPECT_EQ(skins->GetCaption() + L"|" + skins->GetICONFile() + L"|" + skins->GetSubMenu(0)->GetCaption(), L"||Ocean");
   copy->Release();
   root->Release();
 }

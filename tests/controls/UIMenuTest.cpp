@@ -107,11 +107,7 @@ class MenuTest : public FormTest {
     PushKey(hwnd, code, false);
     PumpAll();
   }
-  static CRect WindowOf(const CWnd* wnd) {
-    CRect rect;
-    wnd->GetWindowRect(&rect);
-    return rect;
-  }
+  static CRect WindowOf(const CWnd* wnd) { return WindowRectOf(*wnd); }
   static int HoverId(CUIMenu* menu) {
     return menu->GetHoverItem() ? menu->GetHoverItem()->GetMenu()->GetID() : 0;
   }
@@ -122,8 +118,6 @@ class MenuTest : public FormTest {
   std::vector<int> chosen;
   std::function<void(IMenu*)> onChosen;
 };
-
-// --- size and placement ----------------------------------------------------------------------
 
 TEST_F(MenuTest, EntriesStackUpAndTheTextSetsTheWidthAnEmptyMenuIs200Square) {
   CUIMenu* menu = Popup(MakeTree());
@@ -136,8 +130,7 @@ TEST_F(MenuTest, EntriesStackUpAndTheTextSetsTheWidthAnEmptyMenuIs200Square) {
 
   EXPECT_EQ(WindowOf(Popup(new IMenu(), 10, 20)), CRect(10, 20, 210, 220));
   CUIMenu* unskinned = Popup(MakeTree(), 10, 20, 0, L"Missing");
-  EXPECT_EQ(unskinned->GetItemCount(), 0);
-  EXPECT_EQ(WindowOf(unskinned), CRect(10, 20, 210, 220));
+  EXPECT_EQ(std::make_tuple(unskinned->GetItemCount(), WindowOf(unskinned)), std::make_tuple(0, CRect(10, 20, 210, 220)));
 }
 
 TEST_F(MenuTest, MenusKeepClearOfTheScreensRightAndBottomEdges) {
@@ -166,15 +159,12 @@ TEST_F(MenuTest, ASubMenuOpensBesideItsEntryOrLeftOfItsParentAtTheEdge) {
   EXPECT_EQ(WindowOf(menu->GetChildMenuWnd()).right, WindowOf(menu).left);
 }
 
-// --- hover -------------------------------------------------------------------------------------
-
 TEST_F(MenuTest, RestingSelectsEnabledEntriesTellsTheFormAndOpensSubMenusThatCloseAtOnce) {
   CUIMenu* menu = Popup(MakeTree());
   RestOn(menu, 2);  // Rotate, disabled
   EXPECT_EQ(menu->GetItem(2)->IsSel(), 0);
   RestOn(menu, 1);  // the separator
-  EXPECT_EQ(menu->GetHoverItem(), nullptr);
-  EXPECT_THAT(form->hovered, IsEmpty());
+  EXPECT_TRUE(menu->GetHoverItem() == nullptr && form->hovered.empty());
   RestOn(menu, 4);
   EXPECT_EQ(HoverId(menu), 4);
   EXPECT_THAT(form->hovered, ElementsAre(4));
@@ -183,19 +173,14 @@ TEST_F(MenuTest, RestingSelectsEnabledEntriesTellsTheFormAndOpensSubMenusThatClo
   ASSERT_NE(menu->GetChildMenuWnd(), nullptr);
   const HWND sub = menu->GetChildMenuWnd()->GetSafeHwnd();
   MoveTo(menu, 4);  // no rest
-  EXPECT_EQ(menu->GetChildMenuWnd(), nullptr);
-  EXPECT_FALSE(IsWindow(sub));
+  EXPECT_FALSE(menu->GetChildMenuWnd() || IsWindow(sub));
   EXPECT_EQ(HoverId(menu), 4);
 }
-
-// --- choosing ------------------------------------------------------------------------------------
 
 TEST_F(MenuTest, ChoosingClosesTheChainThenRunsTheCallbackThenFreesTheTree) {
   CUIMenu* menu = Popup(MakeTree());
   for (int index : {1, 2, 3}) Click(menu, index);  // separator, disabled, sub-menu
-  EXPECT_THAT(chosen, IsEmpty());
-  EXPECT_EQ(form->GetActiveMenu(), menu);
-
+  EXPECT_TRUE(chosen.empty() && form->GetActiveMenu() == menu);
   RestOn(menu, 3);
   const HWND root = menu->GetSafeHwnd(), sub = menu->GetChildMenuWnd()->GetSafeHwnd();
   std::vector<std::string> seen;
@@ -218,11 +203,9 @@ TEST_F(MenuTest, ACallbackCanOpenANewMenuOrRunAModalForm) {
     IMenu::PopupMenu(form, next, 150, 150, 0, CString());
   };
   Click(Popup(MakeTree()), 0);
-  EXPECT_TRUE(treeFreed);
   ASSERT_NE(form->GetActiveMenu(), nullptr);
-  EXPECT_TRUE(form->GetActiveMenu()->IsWindowVisible());
+  EXPECT_TRUE(treeFreed && !nextFreed && form->GetActiveMenu()->IsWindowVisible());
   EXPECT_EQ(form->GetActiveMenu()->GetItem(0)->GetCaption(), L"Again");
-  EXPECT_FALSE(nextFreed);
 
   int result = -1;
   onChosen = [&](IMenu*) {
@@ -234,14 +217,9 @@ TEST_F(MenuTest, ACallbackCanOpenANewMenuOrRunAModalForm) {
     dialog->Release();
   };
   Click(Popup(MakeTree()), 4);
-  EXPECT_TRUE(nextFreed);
-  EXPECT_EQ(result, 0);
-  EXPECT_TRUE(treeFreed);
-  EXPECT_TRUE(form->IsWindowEnabled());
-  EXPECT_EQ(GetActiveWindow(), form->GetSafeHwnd());
+  EXPECT_TRUE(nextFreed && treeFreed && form->IsWindowEnabled());
+  EXPECT_EQ(std::make_tuple(result, GetActiveWindow()), std::make_tuple(0, form->GetSafeHwnd()));
 }
-
-// --- dismissal ------------------------------------------------------------------------------------
 
 class MenuDismissalTest;
 struct Dismissal {
@@ -259,9 +237,7 @@ TEST_P(MenuDismissalTest, ClosesEveryWindowAndFreesTheTreeWithoutACallback) {
   GetParam().act(*this, menu);
   PumpAll();
   EXPECT_FALSE(IsWindow(root) || IsWindow(sub));
-  EXPECT_TRUE(treeFreed);
-  EXPECT_THAT(chosen, IsEmpty());
-  EXPECT_TRUE(!form || !form->GetActiveMenu());
+  EXPECT_TRUE(treeFreed && chosen.empty() && (!form || !form->GetActiveMenu()));
 }
 
 // The click goes on to the control under it once the menu is gone.
@@ -293,8 +269,6 @@ INSTANTIATE_TEST_SUITE_P(Ways, MenuDismissalTest,
                                          Dismissal{"TheFormGoes", &TheFormGoes}),
                          [](const testing::TestParamInfo<Dismissal>& info) { return std::string(info.param.name); });
 
-// --- keyboard -----------------------------------------------------------------------------------------
-
 TEST_F(MenuTest, KeysWalkTheEnabledEntriesOpenAndCloseSubMenusAndChoose) {
   CUIMenu* menu = Popup(MakeTree());
   const HWND root = menu->GetSafeHwnd();
@@ -309,8 +283,7 @@ TEST_F(MenuTest, KeysWalkTheEnabledEntriesOpenAndCloseSubMenusAndChoose) {
   EXPECT_EQ(menu->GetChildMenuWnd(), nullptr);
   for (SDL_Scancode code : {SDL_SCANCODE_RIGHT, SDL_SCANCODE_DOWN, SDL_SCANCODE_RETURN}) Key(root, code);
   EXPECT_THAT(chosen, ElementsAre(32));
-  EXPECT_TRUE(treeFreed);
-  EXPECT_FALSE(IsWindow(root));
+  EXPECT_TRUE(treeFreed && !IsWindow(root));
 }
 
 }  // namespace
