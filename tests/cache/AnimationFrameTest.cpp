@@ -30,9 +30,8 @@ TEST_F(CacheTest, FramesAreDecodedInOrderOnFirstRequestAndTimed) {
   const CString path = WriteFile("columns.gif", MakeAnimatedGif(ColumnFrames()));
   tagTextureItem* first = Cache().GetTextureItem(path, Device());
   ASSERT_NE(first, nullptr);
-  EXPECT_EQ(first->nImageFormat, PICTURE_FORMAT_GIF);
-  EXPECT_EQ(first->nFrameCount, 5);
-  EXPECT_EQ(first->nFrameTime, 100);  // 0 ms is shown for 100
+  EXPECT_EQ(std::make_tuple(first->nImageFormat, first->nFrameCount, first->nFrameTime),
+            std::make_tuple(int{PICTURE_FORMAT_GIF}, 5, 100));  // 0 ms is shown for 100
   EXPECT_EQ(Cache().GetFrameByIndex(first, 0, Device()), first);
   tagTextureItem* third = Cache().GetFrameByIndex(first, 3, Device());
   ASSERT_NE(third, nullptr);
@@ -40,8 +39,7 @@ TEST_F(CacheTest, FramesAreDecodedInOrderOnFirstRequestAndTimed) {
   const tagTextureItem* two = one->pNextFrame.get();
   EXPECT_EQ(two->pNextFrame.get(), third);
   EXPECT_FALSE(third->pNextFrame);  // nothing past the frame asked for
-  EXPECT_LT(TextureId(one), TextureId(two));
-  EXPECT_LT(TextureId(two), TextureId(third));
+  EXPECT_TRUE(TextureId(one) < TextureId(two) && TextureId(two) < TextureId(third));
   EXPECT_THAT((std::vector<int>{one->nFrameTime, two->nFrameTime, third->nFrameTime}), ElementsAre(100, 30, 100));
   EXPECT_EQ(third->pFirstFrame, first);
   // Frame 3 is composed on frames 1 and 2.
@@ -50,8 +48,7 @@ TEST_F(CacheTest, FramesAreDecodedInOrderOnFirstRequestAndTimed) {
   EXPECT_EQ(Cache().GetFrameByIndex(first, 5, Device()), nullptr);
   tagTextureItem* last = Cache().GetFrameByIndex(first, 4, Device());
   ASSERT_NE(last, nullptr);
-  EXPECT_EQ(last->nFrameTime, 50);
-  EXPECT_FALSE(first->pMultiBitmap);  // every frame decoded: the file is closed
+  EXPECT_EQ(std::make_tuple(last->nFrameTime, first->pMultiBitmap == nullptr), std::make_tuple(50, true));  // file closed
   EXPECT_EQ(Cache().GetFrameByIndex(first, 3, Device()), third);
 }
 
@@ -92,8 +89,7 @@ TEST_F(CacheTest, AFrameThatCannotBeReadShortensTheAnimationToTheFramesBeforeIt)
   ASSERT_NE(first, nullptr);
   EXPECT_EQ(first->nFrameCount, 3);
   EXPECT_EQ(Cache().GetFrameByIndex(first, 2, Device()), nullptr);
-  EXPECT_EQ(first->nFrameCount, 2);
-  EXPECT_EQ(first->pNextFrame->nFrameCount, 2);
+  EXPECT_EQ(std::make_tuple(first->nFrameCount, first->pNextFrame->nFrameCount), std::make_tuple(2, 2));
   EXPECT_EQ(PictureTexel(Cache().GetFrameByIndex(first, 1, Device()), 0, 0), kGreen);
 }
 
@@ -108,15 +104,14 @@ TEST_F(CacheTest, KeepDecodedFramesComeBackWithoutTheFileAndAReloadDropsSurplusF
   ASSERT_EQ(again, first);
   tagTextureItem* second = Cache().GetFrameByIndex(first, 2, Device());
   ASSERT_NE(second, nullptr);
-  EXPECT_EQ(second->nState, TEXTURE_STATE_READY_FILE);
-  EXPECT_EQ(PictureTexel(second, 2, 0), kColumnColours[2]);
+  EXPECT_EQ(std::make_tuple(second->nState, PictureTexel(second, 2, 0)),
+            std::make_tuple(TEXTURE_STATE_READY_FILE, kColumnColours[2]));
 
   ASSERT_EQ(Cache().ReleaseTexture(path, Device(), 0), 1);
   EXPECT_FALSE(first->pMultiBitmap);
   WritePicture("frames.gif", PICTURE_FORMAT_PNG, 3, 3);  // a still picture under the old name
   EXPECT_EQ(Cache().GetTextureItem(path, Device()), first);
-  EXPECT_EQ(first->nFrameCount, 1);
-  EXPECT_EQ(first->nFrameTime, -1);
-  EXPECT_FALSE(first->pNextFrame);
-  EXPECT_EQ(Cache().GetFrameByIndex(first, 1, Device()), nullptr);
+  EXPECT_EQ(std::make_tuple(first->nFrameCount, first->nFrameTime, first->pNextFrame == nullptr,
+                            Cache().GetFrameByIndex(first, 1, Device())),
+            std::make_tuple(1, -1, true, static_cast<tagTextureItem*>(nullptr)));
 }

@@ -4,6 +4,7 @@
 // files written into a temporary folder, and the texels that tiles received.
 
 #include <cstdint>
+#include <tuple>
 #include <string>
 #include <vector>
 

@@ -1,15 +1,18 @@
 // Picture files into cache entries: what each kind of file becomes, the
 // files that must fail (with the trace line, never a crash), the two-step
-// load and the entries that keep their identity.
+// load (also across threads, for the thread sanitizer), the entries that
+// keep their identity, and drawing and describing a file by its path.
 
+#include <atomic>
+#include <thread>
+
+#include <karvelui/BackUpdateTask.h>
 #include "cache/CacheTestSupport.h"
 #include "render/PictureDecoder.h"
 
 using namespace KarvelUI;
 using namespace KarvelTest;
 using ::testing::ElementsAre;
-
-namespace {
 
 // Restores the decoder's pixel limit when the test ends.
 struct PixelLimit {
@@ -18,17 +21,13 @@ struct PixelLimit {
   std::uint64_t previous;
 };
 
-}  // namespace
-
 TEST_F(CacheTest, FilesBecomeReadyEntriesWithTheirFormatASingleFrameAndTheirPixels) {
   const CString jpeg = WritePicture("photo.jpg", PICTURE_FORMAT_JPEG, 40, 30, Solid(0xFF3060C0));
   tagTextureItem* photo = Cache().GetTextureItem(jpeg, Device());
   ASSERT_NE(photo, nullptr);
-  EXPECT_EQ(photo->nState, TEXTURE_STATE_READY_FILE);
-  EXPECT_EQ(photo->nImageFormat, PICTURE_FORMAT_JPEG);
-  EXPECT_EQ(photo->nFrameCount, 1);
-  EXPECT_EQ(photo->nFrameTime, -1);
-  EXPECT_EQ(CSize(photo->ImageInfo.Width, photo->TextureInfo.Height), CSize(40, 30));
+  EXPECT_EQ(std::make_tuple(photo->nState, photo->nImageFormat, photo->nFrameCount, photo->nFrameTime,
+                            CSize(photo->ImageInfo.Width, photo->TextureInfo.Height)),
+            std::make_tuple(TEXTURE_STATE_READY_FILE, int{PICTURE_FORMAT_JPEG}, 1, -1, CSize(40, 30)));
   // Uploaded at once, the 24-bit picture is kept as decoded and expanded on the way.
   EXPECT_TRUE(Is24BitPicture(photo->pBitmap.get()));
   EXPECT_TRUE(ColorNear(PictureTexel(photo, 39, 29), 0xFF3060C0, 4));
@@ -102,9 +101,9 @@ TEST_F(CacheTest, DecodedEntriesAreUploadedLaterWithoutTheFileAndAReleaseKeepsTh
   const CString path = WritePicture("two-step.jpg", PICTURE_FORMAT_JPEG, 30, 20, Solid(0xFF808080));
   tagTextureItem* decoded = Cache().LoadTextureFromFile(path, Device(), 1);
   ASSERT_NE(decoded, nullptr);
-  EXPECT_EQ(decoded->nState, TEXTURE_STATE_DECODED);
+  EXPECT_EQ(std::make_tuple(decoded->nState, gpu->Count(fake::Call::CreateTexture)),
+            std::make_tuple(TEXTURE_STATE_DECODED, 0));
   EXPECT_TRUE(Is32BitPicture(decoded->pBitmap.get()));  // kept at 24 bits only for an upload at once
-  EXPECT_EQ(gpu->Count(fake::Call::CreateTexture), 0);
   EXPECT_EQ(Cache().LoadTextureFromFile(path, Device(), 1), decoded);
   RemoveFile(path);
   EXPECT_EQ(Cache().GetTextureItem(path, Device()), decoded);
@@ -112,14 +111,11 @@ TEST_F(CacheTest, DecodedEntriesAreUploadedLaterWithoutTheFileAndAReleaseKeepsTh
   EXPECT_TRUE(ColorNear(PictureTexel(decoded, 0, 0), 0xFF808080, 3));
 
   // Releasing with keep-decoded goes back to the decoded picture; without, the picture goes too.
-  EXPECT_EQ(Cache().ReleaseTexture(path, nullptr, 1), 0);
-  EXPECT_EQ(Cache().ReleaseTexture(L"other.png", Device(), 1), 0);
+  EXPECT_EQ(Cache().ReleaseTexture(path, nullptr, 1) + Cache().ReleaseTexture(L"other.png", Device(), 1), 0);
   EXPECT_EQ(Cache().ReleaseTexture(path, Device(), 1), 1);
-  EXPECT_EQ(decoded->nState, TEXTURE_STATE_DECODED);
-  EXPECT_EQ(decoded->nTileCols, 0);
+  EXPECT_EQ(std::make_tuple(decoded->nState, decoded->nTileCols), std::make_tuple(TEXTURE_STATE_DECODED, 0));
   EXPECT_EQ(Cache().ReleaseTexture(path, Device(), 0), 1);
-  EXPECT_EQ(decoded->nState, TEXTURE_STATE_EMPTY);
-  EXPECT_FALSE(decoded->pBitmap);
+  EXPECT_EQ(std::make_tuple(decoded->nState, decoded->pBitmap == nullptr), std::make_tuple(TEXTURE_STATE_EMPTY, true));
   trace.Clear();
   EXPECT_EQ(Cache().GetTextureItem(path, Device()), nullptr);
   EXPECT_EQ(Traced(), DecodeFailure(path));
@@ -139,4 +135,84 @@ TEST_F(CacheTest, KeysDifferingInCaseOrFolderAreDistinctEntries) {
     widths.push_back(Cache().SearchTextureItem(path, Device())->ImageInfo.Width);
   }
   EXPECT_THAT(widths, ElementsAre(4u, 5u, 6u, 7u));
+}
+
+TEST_F(CacheTest, AWorkerDecodesWhileTheDrawingThreadUploadsAndDraws) {
+  constexpr int kFiles = 24;
+  std::vector<CString> paths;
+  for (int i = 0; i < kFiles; ++i)
+    paths.push_back(WritePicture("photo" + std::to_string(i) + ".png", PICTURE_FORMAT_PNG, 120 + i, 90,
+                                 Solid(0xFF000000u | static_cast<DWORD>(i * 0x0A0B0C))));
+
+  std::atomic<bool> decoded{false};
+  std::thread worker([&] {
+    for (const CString& path : paths) EXPECT_NE(Cache().LoadTextureFromFile(path, Device(), 1), nullptr);
+    decoded = true;
+  });
+
+  // Frames until the worker is done, each holding the texture lock as a form
+  // does and drawing the pictures decoded so far.
+  const CRect dest(0, 0, 20, 20);
+  bool done = false;
+  while (!done) {
+    done = decoded.load();
+    UILock paint(Cache().GetTextureLock());
+    ASSERT_EQ(core.BeginPaint(), S_OK);
+    for (const CString& path : paths) {
+      const tagTextureItem* entry = Cache().SearchTextureItem(path, Device());
+      if (entry && (entry->nState == TEXTURE_STATE_DECODED || entry->IsReady())) {
+        EXPECT_EQ(core.DrawImage(path, &dest, nullptr, nullptr, 0, 0xFFFFFFFF, 0), S_OK);
+      }
+    }
+    ASSERT_EQ(core.EndPaint(), S_OK);
+  }
+  worker.join();
+
+  // Whatever the drawing thread has not uploaded yet comes from the decoded
+  // pictures: the files are gone.
+  for (const CString& path : paths) RemoveFile(path);
+  for (int i = 0; i < kFiles; ++i) {
+    tagTextureItem* item = Cache().GetTextureItem(paths[i], Device());
+    ASSERT_NE(item, nullptr) << i;
+    EXPECT_EQ(std::make_tuple(item->nState, item->TextureInfo.Width, PictureTexel(item, 0, 0)),
+              std::make_tuple(TEXTURE_STATE_READY_FILE, static_cast<UINT>(120 + i),
+                              0xFF000000u | static_cast<DWORD>(i * 0x0A0B0C)));
+  }
+  EXPECT_TRUE(trace.Lines().empty());
+}
+
+class CacheDrawTest : public CacheTest {
+ protected:
+  void SetUp() override {
+    CacheTest::SetUp();
+    ASSERT_EQ(core.BeginPaint(), S_OK);
+  }
+};
+
+TEST_F(CacheDrawTest, APathIsLoadedOnFirstDrawAndItsFramesOnDemand) {
+  gpu->caps.MaxTextureWidth = gpu->caps.MaxTextureHeight = 32;  // tiles of 8 x 8
+  const CString path = WriteFile("two.gif", MakeAnimatedGif({{12, 4, 0, 0, 100, 0, Solid(0xFFFF0000)},
+                                                             {12, 4, 0, 0, 100, 0, Solid(0xFF00FF00)}}));
+  const CRect dest(10, 10, 34, 18);
+  ASSERT_EQ(core.DrawImage(path, &dest, nullptr, nullptr, 0, 0xFFFFFFFF, 0), S_OK);
+  tagTextureItem* first = Cache().SearchTextureItem(path, Device());
+  ASSERT_NE(first, nullptr);
+  ASSERT_EQ(gpu->Draws().size(), 2u);  // two tiles across
+  EXPECT_EQ(gpu->Draws()[1].source, CRect(0, 0, 4, 4));
+  D3DXIMAGE_INFO image{}, texture{};  // described by its path
+  ASSERT_EQ(core.GetTextureInfo(path, &image, &texture), S_OK);
+  EXPECT_EQ(CSize(image.Width, texture.Height), CSize(12, 4));
+  EXPECT_EQ(core.GetTextureInfo(path, nullptr, nullptr), S_OK);
+  EXPECT_EQ(core.GetTextureInfo(FromNativePath((dir.Path() / "none.png").string()), &image, nullptr), E_FAIL);
+
+  gpu->ClearLog();
+  ASSERT_EQ(core.DrawImage(path, &dest, nullptr, nullptr, 0, 0xFFFFFFFF, 1), S_OK);
+  ASSERT_NE(first->pNextFrame, nullptr);
+  EXPECT_EQ(gpu->Draws()[0].textureId, fake::FakeTexture::From(first->pNextFrame->pTiles[0].pTexture.Get())->Id());
+  EXPECT_EQ(core.DrawImage(path, &dest, nullptr, nullptr, 0, 0xFFFFFFFF, 2), E_FAIL);
+
+  const CRect mirrored(34, 10, 10, 18);
+  EXPECT_EQ(core.DrawImage(path, &mirrored, nullptr, nullptr, 0, 0xFFFFFFFF, 0), E_FAIL);
+  const CString missing = FromNativePath((dir.Path() / "missing.png").string());
+  EXPECT_EQ(core.DrawImage(missing, &dest, nullptr, nullptr, 0, 0xFFFFFFFF, 0), E_FAIL);
 }

@@ -57,22 +57,20 @@ TEST_F(ViewPictureTest, ThePreviewShowsFirstAndTheTilesReplaceItOneByOne) {
   tagTextureItem* entry = Cache().SearchTextureItem(path, Device());
   for (int step = 1; step <= 6; ++step) {  // 3 x 2 tiles of 1024 on a 4096 adapter, one per call
     const ViewPicture picture = Cache().StepViewPicture(path, Device(), 0.0);
-    EXPECT_EQ(picture.ImageInfo.Width, 2400u);
-    EXPECT_EQ(picture.ImageInfo.Height, 1600u);
+    EXPECT_EQ(CSize(picture.ImageInfo.Width, picture.ImageInfo.Height), CSize(2400, 1600));
     if (step < 6) {
       ASSERT_EQ(picture.nStage, VIEW_PICTURE_PARTIAL) << step;
       ASSERT_NE(picture.pPreview, nullptr);
-      EXPECT_EQ(picture.pPreview->TextureInfo.Width, 600u);  // a quarter of the width covers 400
-      EXPECT_EQ(TilesWithTexture(picture.pPicture), step);
-      EXPECT_EQ(entry->nState, TEXTURE_STATE_DECODED);
+      // A quarter of the width covers 400.
+      EXPECT_EQ(std::make_tuple(picture.pPreview->TextureInfo.Width, TilesWithTexture(picture.pPicture), entry->nState),
+                std::make_tuple(600u, step, TEXTURE_STATE_DECODED));
     } else {
       ASSERT_EQ(picture.nStage, VIEW_PICTURE_FULL);
       EXPECT_EQ(picture.pPicture, entry);  // the entry kept its address
     }
   }
-  EXPECT_TRUE(entry->IsReady());
+  EXPECT_TRUE(entry->IsReady() && !entry->pBitmap);  // the tiles hold the picture
   EXPECT_EQ(TilesWithTexture(entry), 6);
-  EXPECT_FALSE(entry->pBitmap);  // the tiles hold the picture
   EXPECT_TRUE(ColorNear(PictureTexel(entry, 2399, 1599), 0xFF3060A0, 8));
   // The preview's textures went; its decoded copy stays for a quick return.
   EXPECT_EQ(State(ViewPictureLoader::PreviewKey(path)), TEXTURE_STATE_DECODED);
@@ -92,8 +90,8 @@ TEST_F(ViewPictureTest, OnlyTheShownPictureAndThoseAheadStayDecoded) {
   EXPECT_EQ(State(a), TEXTURE_STATE_DECODED);
   Request(c, {b, d});
   WaitForPicture(d);
-  EXPECT_EQ(State(a), TEXTURE_STATE_EMPTY);
-  EXPECT_EQ(State(ViewPictureLoader::PreviewKey(a)), TEXTURE_STATE_EMPTY);
+  EXPECT_EQ(std::make_tuple(State(a), State(ViewPictureLoader::PreviewKey(a))),
+            std::make_tuple(int{TEXTURE_STATE_EMPTY}, int{TEXTURE_STATE_EMPTY}));
   for (const CString& wanted : {b, c, d}) EXPECT_EQ(State(wanted), TEXTURE_STATE_DECODED);
 }
 
@@ -101,8 +99,7 @@ TEST_F(ViewPictureTest, APictureNobodyAskedForIsLoadedAtOnce) {
   const CString path = WritePicture("small.png", PICTURE_FORMAT_PNG, 64, 48, Solid(0xFF102030));
   const ViewPicture picture = Cache().StepViewPicture(path, Device(), 0.0);
   ASSERT_EQ(picture.nStage, VIEW_PICTURE_FULL);
-  EXPECT_EQ(picture.ImageInfo.Width, 64u);
-  EXPECT_EQ(PictureTexel(picture.pPicture, 5, 5), 0xFF102030u);
+  EXPECT_EQ(std::make_tuple(picture.ImageInfo.Width, PictureTexel(picture.pPicture, 5, 5)), std::make_tuple(64u, 0xFF102030u));
 }
 
 }  // namespace
