@@ -3,6 +3,9 @@
 
 #include <gtest/gtest.h>
 
+#include <tuple>
+#include <vector>
+
 #include <karvelui/ImageConfig.h>
 
 using namespace KarvelUI;
@@ -14,22 +17,18 @@ TEST(ImageConfigTest, CopyKeepsTheFrameAndCopiesAndResetsDerivedPiecesThroughThe
   target.m_nFrame = 3;
   target.Copy(&source);
   target.Copy(nullptr);
-  EXPECT_EQ(target.m_strFile, L"a.png");
-  EXPECT_EQ(target.m_nFrame, 3);
+  EXPECT_EQ(std::make_tuple(target.m_strFile, target.m_nFrame), std::make_tuple(CString(L"a.png"), 3));
   _ImageEdgeConfig edge, edgeCopy;
   _ImageBorderConfig border, borderCopy;
   edge.m_bHorizontal = 0;
   border.m_edgeBottom.right = CRect(0, 0, 3, 3);
   const std::pair<_ImageConfig*, _ImageConfig*> copies[] = {{&edge, &edgeCopy}, {&border, &borderCopy}};
   for (const auto& [from, to] : copies) to->Copy(from);  // through the base
-  EXPECT_EQ(edgeCopy.m_bHorizontal, 0);
-  EXPECT_EQ(borderCopy.m_edgeBottom.right, CRect(0, 0, 3, 3));
+  EXPECT_EQ(std::make_tuple(edgeCopy.m_bHorizontal, borderCopy.m_edgeBottom.right), std::make_tuple(0, CRect(0, 0, 3, 3)));
   for (const auto& [from, to] : copies) to->Reset();
-  EXPECT_EQ(edgeCopy.m_bHorizontal, 1);
-  EXPECT_TRUE(borderCopy.m_edgeBottom.right.IsRectNull());
+  EXPECT_EQ(std::make_tuple(edgeCopy.m_bHorizontal, borderCopy.m_edgeBottom.right), std::make_tuple(1, CRect()));
   edge.Copy(&source);  // a plain record as source gives only the plain fields
-  EXPECT_EQ(edge.m_strFile, L"a.png");
-  EXPECT_EQ(edge.m_bHorizontal, 0);
+  EXPECT_EQ(std::make_tuple(edge.m_strFile, edge.m_bHorizontal), std::make_tuple(CString(L"a.png"), 0));
 }
 
 TEST(ImageConfigTest, EdgeSizeAddsAlongAndBorderSizeSumsBottomAndLeftHeights) {
@@ -60,13 +59,11 @@ TEST(ImageConfigTest, DivideWindowGivesTheCornersToTheBands) {
   border.m_edgeRight = {CRect(0, 0, 4, 1), CRect(0, 0, 9, 1), CRect(0, 0, 1, 1)};
   CRect regions[5];
   border.DivideWindow(CRect(100, 50, 300, 250), regions);
-  EXPECT_EQ(regions[0], CRect(100, 50, 300, 58));    // top: tallest top piece 8
-  EXPECT_EQ(regions[1], CRect(100, 58, 107, 245));   // left: widest left piece 7
-  EXPECT_EQ(regions[2], CRect(291, 58, 300, 245));   // right: widest right piece 9
-  EXPECT_EQ(regions[3], CRect(100, 245, 300, 250));  // bottom: tallest bottom piece 5
-  EXPECT_EQ(regions[4], CRect(107, 58, 291, 245));
+  // Top: the tallest top piece 8; left: the widest left piece 7; right: 9; bottom: 5.
+  EXPECT_EQ(std::vector<CRect>(regions, regions + 5),
+            (std::vector{CRect(100, 50, 300, 58), CRect(100, 58, 107, 245), CRect(291, 58, 300, 245),
+                         CRect(100, 245, 300, 250), CRect(107, 58, 291, 245)}));
   _ImageBorderConfig empty;
   empty.DivideWindow(CRect(0, 0, 10, 10), regions);
-  EXPECT_TRUE(regions[0].IsRectEmpty());
-  EXPECT_EQ(regions[4], CRect(0, 0, 10, 10));
+  EXPECT_TRUE(regions[0].IsRectEmpty() && regions[4] == CRect(0, 0, 10, 10));
 }

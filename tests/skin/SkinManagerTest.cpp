@@ -109,9 +109,9 @@ TEST_F(SkinDataTest, InitSkinDataLoadsBuildFileAndSkinListAndAppendsOnEveryCall)
   CUISkinManager* manager = Loaded();
   EXPECT_NE(manager->GetBuildNode(L"BuildRoot MainForm"), nullptr);
   EXPECT_THAT(SkinNames(manager), ElementsAre(L"Default=Classic", L"Blue=Deep blue", L"Broken=Broken one"));
-  EXPECT_EQ(manager->GetSkinNameText(L"BLUE"), L"Deep blue");
-  EXPECT_EQ(manager->GetSkinNameText(L"Purple"), L"");
-  EXPECT_EQ(manager->GetCurrentSkinName(), L"Default");
+  EXPECT_EQ(manager->GetSkinNameText(L"BLUE") + L"|" + manager->GetSkinNameText(L"Purple") + L"|" +
+                manager->GetCurrentSkinName(),
+            L"Deep blue||Default");
   EXPECT_EQ(manager->InitSkinData(), 1);
   EXPECT_EQ(SkinNames(manager).size(), 6u);
 }
@@ -141,20 +141,17 @@ TEST_F(SkinDataTest, CssEntriesOverwriteOnlyTheirOwnKeysAndTheCurrentSkinsEntryW
   Loaded();
   TestConfig* ok = Css(L"ok");
   ASSERT_NE(ok, nullptr);
-  EXPECT_EQ(ok->m_dwColor, 0xFF0A141Eu);
-  EXPECT_EQ(ok->m_nSize, 5);
-  EXPECT_EQ(ok->m_image.m_strFile, Path(L"Theme\\Default\\images\\ok.png"));
-  EXPECT_EQ(ok->m_strTag, L"prototype");
+  EXPECT_EQ(std::make_tuple(ok->m_dwColor, ok->m_nSize, ok->m_image.m_strFile, ok->m_strTag),
+            std::make_tuple(0xFF0A141Eu, 5, Path(L"Theme\\Default\\images\\ok.png"), CString(L"prototype")));
   EXPECT_NE(Css(L"ok"), ok);  // each call hands out a new record
 
   Manager()->SetSkinFile(L"Blue");
-  ok = Css(L"ok");
-  EXPECT_EQ(ok->m_nSize, 7);
-  EXPECT_EQ(ok->m_dwColor, 0xFF808080u);  // not inherited from the default skin's "ok"
-  EXPECT_EQ(ok->m_image.m_strFile, Path(L"Theme\\Blue\\images\\blue-ok.png"));
+  ok = Css(L"ok");  // the colour is not inherited from the default skin's "ok"
+  EXPECT_EQ(std::make_tuple(ok->m_nSize, ok->m_dwColor, ok->m_image.m_strFile),
+            std::make_tuple(7, 0xFF808080u, Path(L"Theme\\Blue\\images\\blue-ok.png")));
   TestConfig* fallback = Css(L"onlyDefault");
-  EXPECT_EQ(fallback->m_nSize, 8);
-  EXPECT_EQ(fallback->m_image.m_strFile, Path(L"Theme\\Default\\images\\def.png"));
+  EXPECT_EQ(std::make_tuple(fallback->m_nSize, fallback->m_image.m_strFile),
+            std::make_tuple(8, Path(L"Theme\\Default\\images\\def.png")));
 }
 
 TEST_F(SkinDataTest, MissingOrEmptyCssLeavesTheOutputAloneAndOnlyAMissingPrototypeIsTraced) {
@@ -167,9 +164,9 @@ TEST_F(SkinDataTest, MissingOrEmptyCssLeavesTheOutputAloneAndOnlyAMissingPrototy
   for (const auto& [css, type] : lookups) Manager()->ReadCssData(css, type, out);
   EXPECT_EQ(out, stale);
   ASSERT_EQ(trace.Lines().size(), 1u);
-  EXPECT_EQ(trace.Lines()[0].level, TRACE_LEVEL_ERROR);
-  EXPECT_EQ(trace.Lines()[0].message,
-            L"SkinManager ReadCssData error, No defualt config: css(bar), type(CUIBottomPanel)\n");
+  EXPECT_EQ(std::make_tuple(trace.Lines()[0].level, trace.Lines()[0].message),
+            std::make_tuple(TRACE_LEVEL_ERROR,
+                           std::wstring(L"SkinManager ReadCssData error, No defualt config: css(bar), type(CUIBottomPanel)\n")));
 }
 
 TEST_F(SkinDataTest, ReplacingAPrototypeDoesNotReleaseTheOldOne) {
@@ -196,11 +193,9 @@ TEST_F(SkinDataTest, TextStylesStartFromTheDefaultFontAndAreCachedPerSkin) {
   font.lfItalic = 1;
   DWORD color = 0;
   manager->GetFontAndColor(L"Title", font, color);
-  EXPECT_EQ(color, 0xFF010203u);
   EXPECT_STREQ(font.lfFaceName, L"DejaVu Sans");
-  EXPECT_EQ(font.lfHeight, 20);
-  EXPECT_EQ(font.lfWeight, FW_BOLD);
-  EXPECT_EQ(font.lfItalic, 0);
+  EXPECT_EQ(std::make_tuple(color, font.lfHeight, font.lfWeight, font.lfItalic),
+            std::make_tuple(0xFF010203u, LONG{20}, LONG{FW_BOLD}, BYTE{0}));
   // "Small" names no colour: the caller's colour is what gets cached.
   color = 0x11111111;
   manager->GetFontAndColor(L"Small", font, color);
@@ -208,15 +203,12 @@ TEST_F(SkinDataTest, TextStylesStartFromTheDefaultFontAndAreCachedPerSkin) {
   color = 0x22222222;
   font.lfHeight = 50;
   manager->GetFontAndColor(L"Small", font, color);
-  EXPECT_EQ(color, 0x11111111u);
-  EXPECT_EQ(font.lfHeight, 9);
   manager->GetFontAndColor(L"Nothing", font, color);  // unknown styles leave both outputs
-  EXPECT_EQ(color, 0x11111111u);
+  EXPECT_EQ(std::make_tuple(color, font.lfHeight), std::make_tuple(0x11111111u, LONG{9}));
   // A skin change empties the cache: the current skin's style wins now.
   manager->SetSkinFile(L"Blue");
   manager->GetFontAndColor(L"Title", font, color);
-  EXPECT_EQ(color, 0xFFC80000u);
-  EXPECT_EQ(font.lfHeight, 12);
+  EXPECT_EQ(std::make_tuple(color, font.lfHeight), std::make_tuple(0xFFC80000u, LONG{12}));
   color = 0x33333333;
   manager->GetFontAndColor(L"Small", font, color);
   EXPECT_EQ(color, 0x33333333u);
@@ -227,15 +219,14 @@ TEST_F(SkinDataTest, AssDataReadsOntoTheCallersRecordFromTheCurrentSkinFirst) {
   _AssData data;
   data.m_strTipID = L"tip";
   manager->ReadAssData(L"ok", L"TestButton", &data);
-  EXPECT_EQ(data.m_rcBounds, CRect(1, 2, 4, 6));
-  EXPECT_EQ(data.m_nStyle, DOCK_LEFT);
-  EXPECT_EQ(data.m_strTipID, L"tip");
+  EXPECT_EQ(std::make_tuple(data.m_rcBounds, data.m_nStyle, data.m_strTipID),
+            std::make_tuple(CRect(1, 2, 4, 6), int{DOCK_LEFT}, CString(L"tip")));
   manager->SetSkinFile(L"Blue");
   _AssData blue;
   blue.m_rcBounds = CRect(7, 7, 8, 8);
   manager->ReadAssData(L"ok", L"TestButton", &blue);
-  EXPECT_EQ(blue.m_nStyle, ANCHOR_CENTER);
-  EXPECT_EQ(blue.m_rcBounds, CRect(7, 7, 8, 8));  // not taken from the default skin
+  EXPECT_EQ(std::make_tuple(blue.m_nStyle, blue.m_rcBounds),  // the bounds not from the default skin
+            std::make_tuple(int{ANCHOR_CENTER}, CRect(7, 7, 8, 8)));
   blue.m_nStyle = 5;
   manager->ReadAssData(L"missing", L"TestButton", &blue);
   manager->ReadAssData(L"", L"TestButton", &blue);
@@ -258,10 +249,8 @@ TEST_F(SkinDataTest, SetCurrentSkinReskinsOnlyOnARealChangeAndUnknownOrBrokenSki
   manager->SetCurrentSkin(L"DEFAULT");
   EXPECT_EQ(g_broadcasts, 0);
   manager->SetCurrentSkin(L"blue");
-  EXPECT_EQ(g_broadcasts, 1);
-  EXPECT_EQ(g_changingDuringBroadcast, 1);
-  EXPECT_EQ(manager->IsThemeChanging(), 0);
-  EXPECT_EQ(Css(L"ok")->m_nSize, 7);
+  EXPECT_EQ(std::make_tuple(g_broadcasts, g_changingDuringBroadcast, manager->IsThemeChanging(), Css(L"ok")->m_nSize),
+            std::make_tuple(1, 1, 0, 7));
   // Its files live under the installed skin's own spelling.
   EXPECT_EQ(manager->TranslatePath(L"x.png", 0), Path(L"Theme\\Blue\\images\\x.png"));
   manager->SetCurrentSkin(L"Blue");
@@ -269,8 +258,7 @@ TEST_F(SkinDataTest, SetCurrentSkinReskinsOnlyOnARealChangeAndUnknownOrBrokenSki
   CUISkinManager::SetFormsSkinChanger(nullptr);
 
   EXPECT_EQ(manager->SetSkinFile(L"Purple"), 1);
-  EXPECT_EQ(manager->GetCurrentSkinName(), L"Purple");
-  EXPECT_EQ(Css(L"ok")->m_nSize, 5);
+  EXPECT_EQ(std::make_tuple(manager->GetCurrentSkinName(), Css(L"ok")->m_nSize), std::make_tuple(CString(L"Purple"), 5));
   EXPECT_EQ(manager->SetSkinFile(L"Broken"), 0);
   EXPECT_EQ(Css(L"ok")->m_nSize, 5);
 }
@@ -362,9 +350,9 @@ TEST_F(SkinDataTest, CreatorsAreAskedInRegistrationOrderWithTheBuiltInOneFirst) 
   CUISkinManager::SetBuiltInRegistration(nullptr);
   EXPECT_EQ(manager->CreateSkinObject(L"CUIMenu"), nullptr);
   EXPECT_EQ(manager->RegisterObjectCreateor(&HostCreator), 1);
-  EXPECT_EQ(manager->CreateSkinObject(L"TestButton"), kButton);
-  EXPECT_EQ(manager->CreateSkinObject(L"CUIMenu"), kMenu);
-  EXPECT_EQ(manager->CreateSkinObject(L"testbutton"), nullptr);
+  EXPECT_EQ((std::vector{manager->CreateSkinObject(L"TestButton"), manager->CreateSkinObject(L"CUIMenu"),
+                         manager->CreateSkinObject(L"testbutton")}),
+            (std::vector<CUIControl*>{kButton, kMenu, nullptr}));
   ASSERT_EQ(manager->InitSkinData(), 1);
   EXPECT_EQ(Css(L"ok")->m_nSize, 5);  // the built-in prototype answers css lookups
 }

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <cwchar>
+#include <tuple>
 
 #include <karvelui/CommonString.h>
 #include <karvelui/SkinReader.h>
@@ -34,8 +35,7 @@ TEST(SkinReaderTest, ValuesFollowTheScanFormats) {
   CString text;
   EXPECT_EQ(r.GetString(text, L""), 1);  // an empty key reads the text
   EXPECT_EQ(text, L"body");
-  EXPECT_EQ(r.GetString(text, L"empty"), 0);
-  EXPECT_EQ(r.GetString(text, L"I"), 0);  // keys are exact
+  EXPECT_EQ(r.GetString(text, L"empty") + r.GetString(text, L"I"), 0);  // keys are exact
   // Found but holding no number: the output is kept (5).
   using IntCase = std::tuple<const wchar_t*, int, int>;
   for (const auto& [key, found, value] : {IntCase{L"i", 1, -7}, IntCase{L"plus", 1, 12}, IntCase{L"word", 1, 5},
@@ -82,25 +82,20 @@ TEST(SkinReaderTest, FontsAreReadOntoTheFontGivenAndLayoutStylesMapTheirKeywords
   font.lfItalic = 1;
   DWORD color = 0;
   EXPECT_EQ(r.GetFont(font, color, L"Title"), 1);
-  EXPECT_EQ(color, 0xFF010203u);
   EXPECT_STREQ(font.lfFaceName, L"DejaVu Sans");
-  EXPECT_EQ(font.lfHeight, -16);
-  EXPECT_EQ(font.lfItalic, 1);
+  EXPECT_EQ(std::make_tuple(color, font.lfHeight, font.lfItalic), std::make_tuple(0xFF010203u, LONG{-16}, BYTE{1}));
   EXPECT_EQ(r.GetFont(font, color, L"Light"), 1);
   EXPECT_EQ(font.lfWeight, FW_BOLD);  // false never lowers the weight
-  EXPECT_EQ(r.GetFont(font, color, L"Long"), 1);
+  EXPECT_EQ(r.GetFont(font, color, L"Long") - r.GetFont(font, color, L"Missing"), 1);
   EXPECT_EQ(std::wcslen(font.lfFaceName), static_cast<size_t>(LF_FACESIZE - 1));
-  EXPECT_EQ(r.GetFont(font, color, L"Missing"), 0);
 
   _AssData data;
   data.m_strStrID = L"keep";
   ASSERT_EQ(r.FindChild(child, L"dock"), 1);
   child.GetAssData(&data);
-  EXPECT_EQ(data.m_strTipID + L"/" + data.m_strStrID, L"tip/keep");
-  EXPECT_EQ(data.m_nStyle, DOCK_FILL);
-  EXPECT_EQ(data.m_rcMargin, CRect(1, 2, 3, 4));
-  EXPECT_EQ(data.m_rcBounds, CRect(10, 20, 40, 60));
-  EXPECT_EQ(data.m_bAllowSize, 1);
+  EXPECT_EQ(std::make_tuple(data.m_strTipID + L"/" + data.m_strStrID, data.m_nStyle, data.m_rcMargin, data.m_rcBounds,
+                            data.m_bAllowSize),
+            std::make_tuple(CString(L"tip/keep"), int{DOCK_FILL}, CRect(1, 2, 3, 4), CRect(10, 20, 40, 60), 1));
   // An unknown dock style keeps the style: there is no fall back to the anchor style.
   const std::pair<const wchar_t*, int> styles[] = {
       {L"unknown", DOCK_FILL}, {L"anchor", ANCHOR_BOTTOMRIGHT}, {L"caption", DOCK_CAPTION}};
@@ -128,13 +123,11 @@ TEST_F(SkinReaderImageTest, ImagesTakeFileRectAndColorAndResolveInTheSkinOfTheir
   CSkinReader r(xml.Node(L"v"));  // the default skin's
   _ImageConfig image;
   EXPECT_EQ(r.GetImage(image, L"Back"), 1);
-  EXPECT_EQ(image.m_strFile, Images(L"Default", L"back.png"));
-  EXPECT_EQ(image.m_dwColor, 0x80FF0000u);
+  EXPECT_EQ(std::make_tuple(image.m_strFile, image.m_dwColor), std::make_tuple(Images(L"Default", L"back.png"), 0x80FF0000u));
   EXPECT_EQ(r.GetImage(image, L"NoFile"), 0);
-  EXPECT_EQ(image.m_rcSrc, CRect(1, 2, 30, 40));
-  EXPECT_EQ(r.GetImage(image, L"App"), 1);
-  EXPECT_EQ(image.m_strFile, CommonString::ReparsePath(AppPath() + L"res\\logo.png"));
-  EXPECT_EQ(image.m_rcSrc, CRect(1, 2, 30, 40));  // no "Rect": kept
+  EXPECT_EQ(r.GetImage(image, L"App"), 1);  // no "Rect": kept
+  EXPECT_EQ(std::make_tuple(image.m_strFile, image.m_rcSrc),
+            std::make_tuple(CommonString::ReparsePath(AppPath() + L"res\\logo.png"), CRect(1, 2, 30, 40)));
   CSkinReader current(xml.Node(L"v"), 0), child;
   ASSERT_EQ(current.FindChild(child, L"Back"), 1);  // children keep their reader's skin
   EXPECT_EQ(child.TranslatePath(L"a.png"), Images(L"Blue", L"a.png"));
@@ -143,13 +136,10 @@ TEST_F(SkinReaderImageTest, ImagesTakeFileRectAndColorAndResolveInTheSkinOfTheir
   _ImageConfig five[5], six[6];
   for (_ImageConfig& state : five) state.m_strFile = L"old";
   EXPECT_EQ(r.Get5StateImage(five, L"Btn"), 1);
-  EXPECT_EQ(five[2].m_strFile, Images(L"Default", L"btn.png"));
-  EXPECT_EQ(five[2].m_rcSrc, CRect(20, 0, 30, 10));
-  EXPECT_EQ(five[1].m_strFile, L"old");
-  EXPECT_EQ(r.Get5StateImage(five, L"NoFile"), 0);
-  EXPECT_EQ(r.Get6StateImage(six, L"Check"), 1);
-  EXPECT_EQ(six[5].m_rcSrc, CRect(5, 5, 6, 6));
-  EXPECT_TRUE(six[0].m_strFile.IsEmpty());
+  EXPECT_EQ(std::make_tuple(five[2].m_strFile, five[2].m_rcSrc, five[1].m_strFile),
+            std::make_tuple(Images(L"Default", L"btn.png"), CRect(20, 0, 30, 10), CString(L"old")));
+  EXPECT_EQ(r.Get5StateImage(five, L"NoFile") + 2 * r.Get6StateImage(six, L"Check"), 2);
+  EXPECT_EQ(std::make_tuple(six[5].m_rcSrc, six[0].m_strFile), std::make_tuple(CRect(5, 5, 6, 6), CString()));
 }
 
 TEST_F(SkinReaderImageTest, EdgeAndBorderImagesTakeTheirSizeFromTheirPieces) {
@@ -162,19 +152,14 @@ TEST_F(SkinReaderImageTest, EdgeAndBorderImagesTakeTheirSizeFromTheirPieces) {
       "<EdgeLeft left=\"0, 0, 4, 2\" mid=\"0, 2, 4, 3\" right=\"0, 3, 4, 5\"/></Frame></v>");
   CSkinReader r(xml.Node(L"v"));
   _ImageEdgeConfig bar, column;
-  EXPECT_EQ(r.GetImage(bar, L"Bar"), 1);
-  EXPECT_EQ(bar.m_edge.mid, CRect(10, 0, 11, 18));
-  EXPECT_EQ(bar.m_rcSrc, CRect(0, 0, 23, 22));
-  EXPECT_EQ(r.GetImage(column, L"Column"), 1);
-  EXPECT_EQ(column.m_bHorizontal, 0);
-  EXPECT_EQ(column.m_rcSrc, CRect(0, 0, 8, 13));
+  EXPECT_EQ(r.GetImage(bar, L"Bar") + r.GetImage(column, L"Column"), 2);
   EXPECT_EQ(r.GetImage(column, L"Missing"), 0);
-  EXPECT_EQ(column.m_rcSrc, CRect(0, 0, 8, 13));
+  EXPECT_EQ(std::make_tuple(bar.m_edge.mid, bar.m_rcSrc), std::make_tuple(CRect(10, 0, 11, 18), CRect(0, 0, 23, 22)));
+  EXPECT_EQ(std::make_tuple(column.m_bHorizontal, column.m_rcSrc), std::make_tuple(0, CRect(0, 0, 8, 13)));
   _ImageBorderConfig frame;
   frame.m_edgeRight.mid = CRect(0, 0, 7, 7);
   EXPECT_EQ(r.GetImage(frame, L"Frame"), 1);
-  EXPECT_EQ(frame.m_edgeLeft.mid, CRect(0, 2, 4, 3));
-  EXPECT_EQ(frame.m_edgeRight.mid, CRect(0, 0, 7, 7));  // no EdgeRight: kept
-  // W = 5 + 1 + 5; H = 6 (tallest top) + 9 (bottom heights) + 5 (left heights).
-  EXPECT_EQ(frame.m_rcSrc, CRect(0, 0, 11, 20));
+  // No EdgeRight: kept. W = 5 + 1 + 5; H = 6 (tallest top) + 9 (bottom heights) + 5 (left heights).
+  EXPECT_EQ((std::vector{frame.m_edgeLeft.mid, frame.m_edgeRight.mid, frame.m_rcSrc}),
+            (std::vector{CRect(0, 2, 4, 3), CRect(0, 0, 7, 7), CRect(0, 0, 11, 20)}));
 }
