@@ -9,6 +9,7 @@
 #include <condition_variable>
 #include <mutex>
 #include <thread>
+#include <tuple>
 
 #include <karvelui/BackUpdateTask.h>
 
@@ -105,8 +106,7 @@ TEST_F(TaskFixture, BeginStartsOneWorkerThatWaitsBetweenPassesAndWakesForTheNext
   EXPECT_EQ(task->unitsDone.load(), 2);
   EXPECT_EQ(BackUpdateTask::BeginUpdateTask(task), 1);  // wakes the same thread
   ASSERT_TRUE(Entered(3));
-  EXPECT_EQ(task->passes.load(), 2);
-  EXPECT_EQ(task->threadsStarted.load(), 1);
+  EXPECT_EQ(std::make_tuple(task->passes.load(), task->threadsStarted.load()), std::make_tuple(2, 1));
 }
 
 TEST_F(TaskFixture, ResetRestartsARunningPassAndWakesAWaitingOne) {
@@ -117,8 +117,7 @@ TEST_F(TaskFixture, ResetRestartsARunningPassAndWakesAWaitingOne) {
   EXPECT_EQ(BackUpdateTask::ResetUpdateTask(task), 1);  // already asked
   task->Permit();  // the unit ends, sees the restart, starts over
   ASSERT_TRUE(Entered(2));
-  EXPECT_EQ(task->passes.load(), 2);
-  EXPECT_EQ(task->unitsDone.load(), 0);
+  EXPECT_EQ(std::make_tuple(task->passes.load(), task->unitsDone.load()), std::make_tuple(2, 0));
   task->Permit(2);
   ASSERT_TRUE(StateIs(TASK_STATE_WAITING));
   EXPECT_EQ(BackUpdateTask::ResetUpdateTask(task), 1);
@@ -131,9 +130,8 @@ TEST_F(TaskFixture, KillWhileWaitingWakesAndEndsTheWorker) {
   task->Permit(2);
   ASSERT_TRUE(StateIs(TASK_STATE_WAITING));
   BackUpdateTask::KillUpdateTask(task);
-  EXPECT_EQ(task->GetState(), TASK_STATE_NONE);
-  EXPECT_EQ(task->threadsEnded.load(), 1);
-  EXPECT_EQ(task->passes.load(), 1);
+  EXPECT_EQ(std::make_tuple(task->GetState(), task->threadsEnded.load(), task->passes.load()),
+            std::make_tuple(int{TASK_STATE_NONE}, 1, 1));
 }
 
 TEST_F(TaskFixture, KillWhileWorkingWaitsForTheUnitThenBeginStartsAgain) {
@@ -148,9 +146,8 @@ TEST_F(TaskFixture, KillWhileWorkingWaitsForTheUnitThenBeginStartsAgain) {
   EXPECT_EQ(BackUpdateTask::BeginUpdateTask(task), 0);  // refused while the kill is pending
   EXPECT_FALSE(killed.load());                          // the worker is still inside its unit
   task->Permit();
-  killer.join();
-  EXPECT_EQ(task->GetState(), TASK_STATE_NONE);
-  EXPECT_EQ(task->unitsDone.load(), 0);  // the unit's result was abandoned
+  killer.join();  // the unit's result was abandoned
+  EXPECT_EQ(std::make_tuple(task->GetState(), task->unitsDone.load()), std::make_tuple(int{TASK_STATE_NONE}, 0));
   ASSERT_EQ(BackUpdateTask::BeginUpdateTask(task), 1);
   ASSERT_TRUE(Entered(2));
   EXPECT_EQ(task->threadsStarted.load(), 2);
@@ -159,9 +156,8 @@ TEST_F(TaskFixture, KillWhileWorkingWaitsForTheUnitThenBeginStartsAgain) {
 TEST_F(TaskFixture, KillRightAfterBeginIsNotLost) {
   task->Permit(1000);  // wherever the worker is, it can reach its next check
   ASSERT_EQ(BackUpdateTask::BeginUpdateTask(task), 1);
-  BackUpdateTask::KillUpdateTask(task);  // possibly before the thread ran at all
-  EXPECT_EQ(task->GetState(), TASK_STATE_NONE);
-  EXPECT_EQ(task->threadsEnded.load(), 1);  // a lost kill would leave it running
+  BackUpdateTask::KillUpdateTask(task);  // possibly before the thread ran at all; a lost kill would leave it running
+  EXPECT_EQ(std::make_tuple(task->GetState(), task->threadsEnded.load()), std::make_tuple(int{TASK_STATE_NONE}, 1));
 }
 
 TEST(UILock, IsRecursiveExcludesOtherThreadsAndTakesNoLockFromNull) {

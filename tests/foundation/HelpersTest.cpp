@@ -3,6 +3,8 @@
 #include <stdlib.h>
 
 #include <regex>
+#include <tuple>
+#include <vector>
 
 #include <karvelui/Helpers.h>
 #include "platform/Paths.h"
@@ -14,15 +16,17 @@ using KarvelTest::TempDir;
 TEST(Conversions, ParsingAndSearchingRawCharacters) {
   const wchar_t text[] = L"123abc", negative[] = L"-5";
   const wchar_t* end = nullptr;
-  EXPECT_EQ(xatol(text, 6, &end), 123);
-  EXPECT_EQ(end, text + 3);
-  EXPECT_EQ(xatol(text, 3, &end), 123);
-  EXPECT_EQ(end, nullptr);
+  // Where the number ends, null when it fills the length; no sign.
+  using Parsed = std::pair<long, const wchar_t*>;
+  for (const auto& [length, source, expected] :
+       {std::tuple{6, text, Parsed{123, text + 3}}, std::tuple{3, text, Parsed{123, nullptr}},
+        std::tuple{2, negative, Parsed{0, negative}}}) {
+    end = text + 1;  // none of the expected ends
+    const long value = xatol(source, length, &end);
+    EXPECT_EQ(Parsed(value, end), expected) << length;
+  }
   EXPECT_EQ(xatol(text, 2, nullptr), 12);
-  EXPECT_EQ(xatol(negative, 2, &end), 0);  // no sign
-  EXPECT_EQ(end, negative);
-  EXPECT_EQ(find(L"abcabc", 6, L'c'), 3u);  // 1-based; 0 when absent
-  EXPECT_EQ(find(L"abcabc", 2, L'c'), 0u);
+  EXPECT_EQ(std::make_tuple(find(L"abcabc", 6, L'c'), find(L"abcabc", 2, L'c')), std::make_tuple(3u, 0u));  // 1-based
   EXPECT_EQ(bin2hex(std::string("\x0a\xff\x00\x7e", 4)), CString(L"0aff007e"));
   EXPECT_EQ(ultoa10(4294967295u), L"4294967295");
 }
@@ -31,12 +35,10 @@ TEST(Conversions, NumbersThroughTextAndUtf16Bytes) {
   EXPECT_EQ(Int2Bytes(-42), std::string("-\0" "4\0" "2\0", 6));
   EXPECT_EQ(Bytes2Int(CString_to_Bytes(L"  17xyz")), 17);
   EXPECT_EQ(Bytes2DWORD64(DWORD642Bytes(9000000000ULL)), 9000000000ULL);
-  EXPECT_EQ(CString2Int(L"99999999999"), 2147483647);
-  EXPECT_EQ(CString2Int(L"-12"), -12);
+  EXPECT_EQ(std::make_tuple(CString2Int(L"99999999999"), CString2Int(L"-12")), std::make_tuple(2147483647, -12));
   EXPECT_EQ(CString2DWORD64(L"12345678901"), 12345678901ULL);
-  EXPECT_EQ(CString2UInt(L"0x1F"), 31u);
-  EXPECT_EQ(CString2UInt(L"017"), 15u);
-  EXPECT_EQ(CString2UInt(L"18446744073709551615"), 18446744073709551615ULL);
+  EXPECT_EQ((std::vector{CString2UInt(L"0x1F"), CString2UInt(L"017"), CString2UInt(L"18446744073709551615")}),
+            (std::vector<decltype(CString2UInt(L""))>{31u, 15u, 18446744073709551615ULL}));
   EXPECT_EQ(DWORD642CString(18446744073709551615ULL), CString(L"-1"));  // signed format, kept
   EXPECT_EQ(UInt2CString(42) + Int2CString(-7), CString(L"42-7"));
   EXPECT_EQ(Int2Utf8(305), "305");
@@ -53,12 +55,12 @@ TEST(Conversions, NonAsciiTextAcrossEncodings) {
   EXPECT_EQ(narrow, "Caf\xc3\xa9 \xe5\x86\x99\xe7\x9c\x9f \xf0\x9f\x98\x80");
   EXPECT_EQ(CString_to_utf8(text), narrow);
   CString back = L"stale";
-  EXPECT_EQ(MBCS_to_CString(narrow.c_str(), back), 9);
-  EXPECT_EQ(back, text);
-  EXPECT_EQ(MBCS_to_CString(nullptr, back), 0);
-  EXPECT_TRUE(back.IsEmpty());
-  EXPECT_EQ(utf8_to_CString(std::string("ab\0cd", 5), back), 2);
-  EXPECT_EQ(back, CString(L"ab"));
+  // Each conversion's count, and what it left in `back`.
+  std::vector<std::pair<int, CString>> results;
+  results.emplace_back(MBCS_to_CString(narrow.c_str(), back), back);
+  results.emplace_back(MBCS_to_CString(nullptr, back), back);
+  results.emplace_back(utf8_to_CString(std::string("ab\0cd", 5), back), back);
+  EXPECT_EQ(results, (std::vector<std::pair<int, CString>>{{9, text}, {0, CString()}, {2, CString(L"ab")}}));
 }
 
 TEST(SystemHelpers, FilesVersionFontAndFolders) {
@@ -66,8 +68,7 @@ TEST(SystemHelpers, FilesVersionFontAndFolders) {
   const CString file = FromNativePath(dir.Write("f.bin", std::string(300, 'z')).string());
   EXPECT_EQ(GetFileSize(file), 300u);
   DeleteFileW(file);
-  EXPECT_FALSE(IsFileExist(file));
-  EXPECT_EQ(GetFileSize(file), 0u);
+  EXPECT_TRUE(!IsFileExist(file) && GetFileSize(file) == 0u);
   DeleteFileW(file);  // already gone: swallowed
   DeleteFileW(nullptr);
 
@@ -76,9 +77,7 @@ TEST(SystemHelpers, FilesVersionFontAndFolders) {
   LOGFONT font;
   font.lfItalic = 1;
   GetDefaultLOGFONT(font);
-  EXPECT_EQ(font.lfHeight, 12);
-  EXPECT_EQ(font.lfWeight, FW_NORMAL);
-  EXPECT_EQ(font.lfItalic, 0);
+  EXPECT_EQ(std::make_tuple(font.lfHeight, font.lfWeight, font.lfItalic), std::make_tuple(LONG{12}, LONG{FW_NORMAL}, BYTE{0}));
   EXPECT_STREQ(font.lfFaceName, L"SimSun");
   CString app;
   GetAppPath(app);
@@ -94,8 +93,7 @@ TEST(BrowserHelpers, OnlyTheLegacyBrowserUnderACompatibilityLayerCountsAsIt) {
   dir.UseAsDesktop();
   EXPECT_FLOAT_EQ(GetIEVersion(), 5.0f);
   // No browser configured at all: the commands open through the desktop.
-  EXPECT_FALSE(IsUsingIEAsHttpBrowser());
-  EXPECT_FALSE(IsUsingIEAsHttpsBrowser());
+  EXPECT_FALSE(IsUsingIEAsHttpBrowser() || IsUsingIEAsHttpsBrowser());
   auto setBrowser = [&](const std::string& exec) {
     dir.Write("data/applications/web.desktop", "[Desktop Entry]\nExec=" + exec + "\n");
     dir.Write("config/mimeapps.list", "[Default Applications]\nx-scheme-handler/http=web.desktop\n");
@@ -103,6 +101,5 @@ TEST(BrowserHelpers, OnlyTheLegacyBrowserUnderACompatibilityLayerCountsAsIt) {
   setBrowser("firefox %u");
   EXPECT_FALSE(IsUsingIEAsHttpBrowser());
   setBrowser("wine \"C:\\\\Program Files\\\\Internet Explorer\\\\IEXPLORE.EXE\" %u");
-  EXPECT_TRUE(IsUsingIEAsHttpBrowser());
-  EXPECT_FALSE(IsUsingIEAsHttpsBrowser());
+  EXPECT_TRUE(IsUsingIEAsHttpBrowser() && !IsUsingIEAsHttpsBrowser());
 }

@@ -18,10 +18,7 @@ CString Lib(const std::filesystem::path& p) { return FromNativePath(p.string());
 
 std::string Utf16Bytes(const std::u16string& text) {
   std::string bytes;
-  for (char16_t u : text) {
-    bytes += static_cast<char>(u & 0xFF);
-    bytes += static_cast<char>(u >> 8);
-  }
+  for (char16_t u : text) bytes += {static_cast<char>(u & 0xFF), static_cast<char>(u >> 8)};
   return bytes;
 }
 
@@ -59,13 +56,9 @@ TEST(StdioFileEx, NarrowLinesEndsAndLongLinePieces) {
   CStdioFileEx file;
   ASSERT_TRUE(file.Open(Lib(path), kTextRead));
   EXPECT_FALSE(file.IsFileUnicodeText());
-  const auto lines = ReadAll(file);
-  ASSERT_EQ(lines.size(), 5u);
-  EXPECT_EQ(lines[0], L"\uFEFFone");  // a UTF-8 mark is not recognised
-  EXPECT_EQ(lines[1], L"two\r");
-  EXPECT_EQ(lines[2], std::wstring(4095, L'L'));
-  EXPECT_EQ(lines[3], std::wstring(905, L'L'));
-  EXPECT_EQ(lines[4], L"last");
+  // A UTF-8 mark is not recognised; a long line comes in pieces of 4095.
+  EXPECT_EQ(ReadAll(file), (std::vector<std::wstring>{L"\uFEFFone", L"two\r", std::wstring(4095, L'L'),
+                                                      std::wstring(905, L'L'), L"last"}));
 }
 
 TEST(StdioFileEx, WriteUnicodeMarksOnceAndNarrowUsesTheCodePage) {

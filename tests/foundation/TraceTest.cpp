@@ -7,6 +7,7 @@
 #include <regex>
 #include <string>
 #include <thread>
+#include <tuple>
 
 #include <karvelui/Trace.h>
 #include "platform/Paths.h"
@@ -97,9 +98,9 @@ TEST(TraceLog, ReopensAfterCloseAndSharesTheFileWithOthers) {
   first->Trace(TRACE_LEVEL_ERROR, TRACE_FLUSH, L"one");
   second->Trace(TRACE_LEVEL_ERROR, TRACE_FLUSH, L"two");
   first->Close();
-  EXPECT_FALSE(first->IsOpen());
+  const bool closed = !first->IsOpen();
   first->Trace(TRACE_LEVEL_ERROR, TRACE_FLUSH, L"three");
-  EXPECT_TRUE(first->IsOpen());
+  EXPECT_TRUE(closed && first->IsOpen());
   second->Trace(TRACE_LEVEL_ERROR, TRACE_FLUSH, L"four");
   EXPECT_EQ(MessagesIn(TempDir::Read(file)), (std::vector<std::string>{"one", "two", "three", "four"}));
 }
@@ -109,9 +110,7 @@ TEST(TraceLog, UnopenableFileMakesTraceANoOp) {
   const auto blocker = dir.Write("blocker", "a file, not a folder");
   TraceCapture capture;
   TraceLog log = OpenLog(blocker / "x.log");
-  EXPECT_FALSE(log->IsOpen());
-  EXPECT_TRUE(log->Trace(TRACE_LEVEL_ERROR, TRACE_FLUSH, L"lost"));
-  EXPECT_FALSE(log->IsOpen());
+  EXPECT_TRUE(!log->IsOpen() && log->Trace(TRACE_LEVEL_ERROR, TRACE_FLUSH, L"lost") && !log->IsOpen());
   ASSERT_EQ(capture.Lines().size(), 1u);  // still seen by the capture
 }
 
@@ -141,9 +140,9 @@ TEST(TraceLog, TwoThreadsNeverInterleaveWithinALine) {
 }
 
 TEST(TraceLog, GlobalLogCaptureAndRelease) {
-  ASSERT_NE(g_ITrace, nullptr);  // valid before any application object ran
   ITrace_imp* instance = ITrace_imp::GetInstance();
-  EXPECT_EQ(g_ITrace, instance);
+  ASSERT_EQ(g_ITrace, instance);  // valid before any application object ran
+  ASSERT_NE(g_ITrace, nullptr);
   CString expected;
   expected.Format(L"%s\\Orvane\\Karvel\\KarvelViewTrace.log",
                   FromNativePath(std::getenv("XDG_DATA_HOME") ? std::getenv("XDG_DATA_HOME")
@@ -157,9 +156,8 @@ TEST(TraceLog, GlobalLogCaptureAndRelease) {
     g_ITrace->Trace(TRACE_LEVEL_DEVICE, TRACE_FLUSH, L"<D3DERROR> Begin scene fail: %d", -2005530520);
     const auto lines = capture.Lines();
     ASSERT_EQ(lines.size(), 2u);
-    EXPECT_EQ(lines[0].level, 3);
-    EXPECT_EQ(lines[0].message, L"fallback 2 of 3");
-    EXPECT_EQ(lines[1].message, L"<D3DERROR> Begin scene fail: -2005530520");
+    EXPECT_EQ(std::make_tuple(lines[0].level, lines[0].message, lines[1].message),
+              std::make_tuple(3, std::wstring(L"fallback 2 of 3"), std::wstring(L"<D3DERROR> Begin scene fail: -2005530520")));
   }
 
   // Released, not forgotten: both pointers stay, and a later line opens
@@ -169,6 +167,5 @@ TEST(TraceLog, GlobalLogCaptureAndRelease) {
   EXPECT_FALSE(instance->IsOpen());
   g_ITrace->Trace(TRACE_LEVEL_ERROR, TRACE_FLUSH, L"<ERROR> after release");
   EXPECT_FALSE(instance->IsOpen());
-  EXPECT_EQ(ITrace_imp::GetInstance(), instance);
-  EXPECT_TRUE(instance->IsOpen());
+  EXPECT_TRUE(ITrace_imp::GetInstance() == instance && instance->IsOpen());
 }
