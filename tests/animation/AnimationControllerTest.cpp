@@ -2,6 +2,7 @@
 // driver (timer and paint messages) or by calling OnTimer directly.
 
 #include <thread>
+#include <tuple>
 
 #include "AnimationTestSupport.h"
 
@@ -70,9 +71,8 @@ TEST(AnimationControllerTimer, LastBoardLeavesInItsTickAndOneMorePaintIdlesTheTi
   board->Begin(FakeForm(), 1);
   EXPECT_EQ(f.After(20), kFrame);
   EXPECT_EQ(f.After(20), kFrame);  // completes; its last frame is still painted
-  EXPECT_EQ(listedDuringCallback, 1u);
-  EXPECT_EQ(f.controller->GetBoardCount(), 0u);
-  EXPECT_EQ(f.controller->GetTimerRunning(), 0);
+  EXPECT_EQ(std::make_tuple(listedDuringCallback, f.controller->GetBoardCount(), f.controller->GetTimerRunning()),
+            std::make_tuple(1u, 0u, 0));
   EXPECT_EQ(f.After(200), kNothing);
   KeptBoard next("next", &f.log, 100);
   next.Begin(FakeForm(), 1);
@@ -110,8 +110,7 @@ TEST(AnimationControllerOwnership, ControllableBoardsAreNeverDeletedOthersAreRel
     EXPECT_EQ(other->GetBoardCount(), 0u);  // each board reaches only its own form's controller
     clock.Advance(40);
     controller->OnTimer(FakeForm());  // both complete
-    EXPECT_EQ(handedDestroyed, 1);
-    EXPECT_EQ(controller->GetBoardCount(), 0u);
+    EXPECT_EQ(std::make_tuple(handedDestroyed, controller->GetBoardCount()), std::make_tuple(1, 0u));
     LoggingBoard* stopped = HandedBoard("stopped", &log, &handedDestroyed, 40);
     stopped->Begin(FakeForm(), 1);
     stopped->Stop(FakeForm());
@@ -131,8 +130,7 @@ TEST(AnimationControllerOwnership, ControllableBoardsAreNeverDeletedOthersAreRel
     kept.Begin(FakeForm(), 1);
     HandedBoard("handed", &log, &handedDestroyed, 40)->Begin(FakeForm(), 1);
   }  // the controller goes with both listed
-  EXPECT_EQ(handedDestroyed, 3);
-  EXPECT_EQ(keptDestroyed, 0);
+  EXPECT_EQ(std::make_tuple(handedDestroyed, keptDestroyed), std::make_tuple(3, 0));
   EXPECT_EQ(log, (Log{"kept:completed", "kept:changed", "handed:completed", "handed:changed"}));
 }
 
@@ -154,9 +152,8 @@ TEST(AnimationControllerCallbacks, CallbacksMayBeginAndStopBoards) {
   clock.Advance(20);
   controller->OnTimer(FakeForm());
   EXPECT_EQ(log, (Log{"first:completed", "first:changed", "self:completed", "self:changed"}));
-  EXPECT_EQ(destroyed, 3);  // first, victim and self, after the tick
-  ASSERT_EQ(controller->GetBoardCount(), 1u);
-  EXPECT_EQ(late->value, 0.0);  // its first frame comes with the next tick
+  // First, victim and self go after the tick; late's first frame comes with the next tick.
+  ASSERT_EQ(std::make_tuple(destroyed, controller->GetBoardCount(), late->value), std::make_tuple(3, 1u, 0.0));
   controller->OnTimer(FakeForm());
   EXPECT_EQ(log.back(), "late:changed");
 }

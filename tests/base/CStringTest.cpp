@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <vector>
+
 #include <karvelui/CString.h>
 
 using namespace KarvelUI;
@@ -40,15 +42,10 @@ TEST(CStringEdit, TrimFindExtractReplaceAndTokenize) {
   CString s(L"  \tHello World \r\n");
   s.Trim();
   EXPECT_EQ(s, L"Hello World");
-  EXPECT_EQ(s.Find(L'o', 5), 7);
-  EXPECT_EQ(s.Find(L"World"), 6);
-  EXPECT_EQ(s.Find(L'z'), -1);
-  EXPECT_EQ(s.ReverseFind(L'o'), 7);
-  EXPECT_EQ(s.Mid(6, 100), L"World");
-  EXPECT_EQ(s.Mid(100), L"");
-  EXPECT_EQ(s.Right(3), L"rld");
-  EXPECT_EQ(s.Left(-1), L"");
-  EXPECT_EQ(CString(L"xxaxx").Trim(L'x'), L"a");
+  EXPECT_EQ((std::vector{s.Find(L'o', 5), s.Find(L"World"), s.Find(L'z'), s.ReverseFind(L'o')}),
+            (std::vector{7, 6, -1, 7}));
+  EXPECT_EQ((std::vector{s.Mid(6, 100), s.Mid(100), s.Right(3), s.Left(-1), CString(L"xxaxx").Trim(L'x')}),
+            (std::vector<CString>{L"World", L"", L"rld", L"", L"a"}));
 
   CString path(L"a\\\\b\\\\\\c");
   EXPECT_EQ(path.Replace(L"\\\\", L"\\"), 2);  // left to right, no overlap
@@ -61,9 +58,8 @@ TEST(CStringEdit, TrimFindExtractReplaceAndTokenize) {
 
   CString list(L",a,,b,");  // empty tokens are skipped
   int pos = 0;
-  EXPECT_EQ(list.Tokenize(L",", pos), L"a");
-  EXPECT_EQ(list.Tokenize(L",", pos), L"b");
-  EXPECT_EQ(list.Tokenize(L",", pos), L"");
+  EXPECT_EQ((std::vector{list.Tokenize(L",", pos), list.Tokenize(L",", pos), list.Tokenize(L",", pos)}),
+            (std::vector<CString>{L"a", L"b", L""}));
   EXPECT_EQ(pos, -1);
 }
 

@@ -9,11 +9,8 @@ using namespace KarvelUI;
 
 TEST(CRectSemantics, RightAndBottomAreExclusiveAndDisjointIntersectionsAreAllZero) {
   const CRect r(10, 20, 30, 40);
-  EXPECT_TRUE(r.PtInRect({10, 20}));
-  EXPECT_FALSE(r.PtInRect({30, 25}));
-  EXPECT_FALSE(r.PtInRect({15, 40}));
-  EXPECT_TRUE(CRect(5, 5, 4, 10).IsRectEmpty());
-  EXPECT_FALSE(CRect(5, 5, 4, 10).IsRectNull());
+  EXPECT_TRUE(r.PtInRect({10, 20}) && !r.PtInRect({30, 25}) && !r.PtInRect({15, 40}));
+  EXPECT_TRUE(CRect(5, 5, 4, 10).IsRectEmpty() && !CRect(5, 5, 4, 10).IsRectNull());
   CRect i(1, 2, 3, 4);
   EXPECT_FALSE(i.IntersectRect(CRect(0, 0, 10, 10), CRect(10, 0, 20, 10)));
   EXPECT_EQ(i, CRect(0, 0, 0, 0));
@@ -26,8 +23,7 @@ TEST(CRectSemantics, RightAndBottomAreExclusiveAndDisjointIntersectionsAreAllZer
   rgn.AddRect(CRect(0, 0, 2, 1));
   rgn.AddRect(CRect(3, 1, 5, 2));
   rgn.AddRect(CRect(9, 9, 9, 9));  // empty: ignored
-  EXPECT_EQ(rgn.Rects().size(), 2u);
-  EXPECT_FALSE(rgn.Contains({2, 0}));
+  EXPECT_TRUE(rgn.Rects().size() == 2u && !rgn.Contains({2, 0}));
   EXPECT_EQ(rgn.GetBox(), CRect(0, 0, 5, 2));
 }
 
@@ -77,8 +73,7 @@ TEST(FastDelegateTest, CallsBoundMembersEvenVirtualOnesOfMultiplyDerivedClassesA
   d(5);
   EXPECT_EQ(c.total, 5);
   EXPECT_TRUE(d == MakeDelegate(&c, &Counter::Add));
-  EXPECT_FALSE(d == MakeDelegate(&c, &Counter::Other));
-  EXPECT_FALSE(d == MakeDelegate(&c2, &Counter::Add));
+  EXPECT_FALSE(d == MakeDelegate(&c, &Counter::Other) || d == MakeDelegate(&c2, &Counter::Add));
   Derived obj;
   FastDelegate1<int>(&obj, &Derived::Twice)(4);
   EXPECT_EQ(obj.total, 8);

@@ -20,8 +20,7 @@ TEST_F(FakeCoreTest, FirstAttemptAsksForTwoBackBuffersImmediatePresentation) {
   EXPECT_THAT(gpu->Calls(), ElementsAre("CreateDevice count=2 format=21 swap=1 interval=0x80000000 size=0x0 flags=0x24",
                                         "GetDeviceCaps", "GetAvailableTextureMem", "CreateSprite"));
   EXPECT_THAT(Traced(), ElementsAre(kCapsLine));
-  EXPECT_NE(core.GetD3DDevice(), nullptr);
-  EXPECT_NE(core.GetD3DXSprite(), nullptr);
+  EXPECT_TRUE(core.GetD3DDevice() && core.GetD3DXSprite());
   EXPECT_EQ(core.GetD3DPresentParameters().BackBufferWidth, 640u);  // as the device reports it
 }
 
@@ -39,21 +38,18 @@ TEST_F(FakeCoreTest, FourRefusalsReturnTheLastResultAndLeaveNoDevice) {
                                     L"3 fail try D3DSWAPEFFECT_DISCARD: -2005530518", L"3 try D3DSWAPEFFECT_COPY",
                                     L"4 <D3DERROR> Create D3DDevice fail: -2005532292"));
   EXPECT_EQ(core.GetD3DDevice(), nullptr);
-  EXPECT_EQ(core.BeginPaint(), E_FAIL);
-  EXPECT_EQ(core.EndPaint(), E_FAIL);
-  EXPECT_EQ(core.ResetD3DSize({800, 600}), 1);
+  EXPECT_EQ((std::vector{core.BeginPaint(), core.EndPaint(), core.ResetD3DSize({800, 600})}),
+            (std::vector<HRESULT>{E_FAIL, E_FAIL, 1}));
 }
 
 TEST_F(FakeCoreTest, AFailedSpriteKeepsTheDeviceAndTheNextResetMakesIt) {
   gpu->FailNext(fake::Call::CreateSprite, E_OUTOFMEMORY);
   EXPECT_EQ(core._InitD3D(), E_OUTOFMEMORY);
   EXPECT_THAT(Traced(), ElementsAre(kCapsLine, L"4 <D3DERROR> Create sprite fail: -2147024882"));
-  EXPECT_NE(core.GetD3DDevice(), nullptr);
-  EXPECT_EQ(core.GetD3DXSprite(), nullptr);
+  EXPECT_TRUE(core.GetD3DDevice() && !core.GetD3DXSprite());
   EXPECT_EQ(core.BeginPaint(), E_FAIL);
   ASSERT_EQ(core.ResetD3DSize({320, 200}), S_OK);
-  EXPECT_NE(core.GetD3DXSprite(), nullptr);
-  EXPECT_EQ(core.BeginPaint(), S_OK);
+  EXPECT_TRUE(core.GetD3DXSprite() && core.BeginPaint() == S_OK);
 }
 
 TEST_F(FakeCoreTest, NothingIsAttemptedWithoutTheProcessObjectOrAWindow) {
@@ -61,10 +57,8 @@ TEST_F(FakeCoreTest, NothingIsAttemptedWithoutTheProcessObjectOrAWindow) {
   EXPECT_EQ(unbound.Init(), E_FAIL);
   DXCore::ExitInstance();
   EXPECT_EQ(DXCore::GetD3DObject(), nullptr);
-  EXPECT_EQ(core._InitD3D(), E_FAIL);
-  EXPECT_EQ(DXCore::InitInstance(nullptr), E_FAIL);
-  EXPECT_TRUE(gpu->Calls().empty());
-  EXPECT_TRUE(trace.Lines().empty());
+  EXPECT_EQ((std::vector{core._InitD3D(), DXCore::InitInstance(nullptr)}), (std::vector<HRESULT>{E_FAIL, E_FAIL}));
+  EXPECT_TRUE(gpu->Calls().empty() && trace.Lines().empty());
 }
 
 TEST_F(FakeCoreTest, CapsAreZeroedAndCopiedFromTheDevice) {

@@ -4,6 +4,7 @@
 
 #include <cmath>
 #include <limits>
+#include <tuple>
 
 #include <karvelui/WinConstants.h>
 #include "support/FakeCore.h"
@@ -69,19 +70,18 @@ void ExpectCorner(const D3DXVECTOR2& corner, float x, float y) {
 
 TEST_F(FakeDrawTest, OpacityScalesAlphaRoundedAndLeavesTheChannels) {
   EXPECT_EQ(DrawnColour(0x80123456), 0x80123456u);
-  core.SetGlobalOpacity(0.5f);
-  EXPECT_EQ(DrawnColour(0xFFFFFFFF), 0x80FFFFFFu);  // 127.5 + 0.5 truncated
-  EXPECT_EQ(DrawnColour(0x7F123456), 0x40123456u);  // 63.5 + 0.5
-  EXPECT_EQ(DrawnColour(0x01ABCDEF), 0x01ABCDEFu);  // 0.5 + 0.5
+  core.SetGlobalOpacity(0.5f);  // alpha x 0.5 + 0.5, truncated: 127.5 + 0.5, 63.5 + 0.5, 0.5 + 0.5
+  EXPECT_EQ((std::vector{DrawnColour(0xFFFFFFFF), DrawnColour(0x7F123456), DrawnColour(0x01ABCDEF)}),
+            (std::vector<DWORD>{0x80FFFFFF, 0x40123456, 0x01ABCDEF}));
 
   for (float ignored : {1.5f, -0.1f, std::numeric_limits<float>::quiet_NaN()}) {
     core.SetGlobalOpacity(ignored);
     EXPECT_EQ(core.GetGlobalOpacity(), 0.5f);
   }
-  core.SetGlobalOpacity(0.0f);
-  EXPECT_EQ(DrawnColour(0xFFFFFFFF), 0x00FFFFFFu);
-  core.SetGlobalOpacity(1.0f);
-  EXPECT_EQ(DrawnColour(0xFFFFFFFF), 0xFFFFFFFFu);
+  for (auto [opacity, drawn] : {std::pair{0.0f, 0x00FFFFFFu}, std::pair{1.0f, 0xFFFFFFFFu}}) {
+    core.SetGlobalOpacity(opacity);
+    EXPECT_EQ(DrawnColour(0xFFFFFFFF), drawn) << opacity;
+  }
 }
 
 TEST_F(FakeDrawTest, AFailedDrawIsTracedAndReturned) {
@@ -98,18 +98,17 @@ TEST_F(FakeDrawTest, TextGoesIntoTheRectangleTopBeforeLeftWithTheFontCached) {
   ASSERT_EQ(core.DrawTextW(L"Holiday", -1, 10, 20, 100, 30, 12, 400, 0, 0, L"SimSun", format, 0xFF112233), S_OK);
   const std::vector<fake::TextRecord> texts = gpu->Texts();
   ASSERT_EQ(texts.size(), 2u);
-  EXPECT_EQ(texts[0].text, L"Hol");
-  EXPECT_EQ(texts[1].text, L"Holiday");
-  EXPECT_EQ(texts[0].rect, CRect(20, 10, 120, 40));
-  EXPECT_EQ(texts[0].format, format);
-  EXPECT_EQ(texts[0].color, 0x80112233u);
-  EXPECT_TRUE(texts[0].throughSprite);
+  EXPECT_EQ(std::make_tuple(texts[0].text, texts[1].text, CRect(texts[0].rect), texts[0].format, texts[0].color,
+                            texts[0].throughSprite),
+            std::make_tuple(std::wstring(L"Hol"), std::wstring(L"Holiday"), CRect(20, 10, 120, 40), DWORD{format},
+                            0x80112233u, true));
   EXPECT_THAT(CallsStartingWith("CreateFont"), ElementsAre("CreateFont height=12 weight=400 italic=0 face=SimSun"));
 
   // Underline makes another entry; the shorter release key finds neither.
   ASSERT_EQ(core.DrawTextW(L"x", -1, 0, 0, 9, 9, 12, 400, 0, 1, L"SimSun", 0, 0xFF000000), S_OK);
-  EXPECT_EQ(gpu->Count(fake::Call::CreateFont), 2);
-  EXPECT_EQ(core.GetResourceCache()->ReleaseFont(12, 400, 0, L"SimSun", core.GetD3DDevice()), 0);
+  EXPECT_EQ(std::make_tuple(gpu->Count(fake::Call::CreateFont),
+                            core.GetResourceCache()->ReleaseFont(12, 400, 0, L"SimSun", core.GetD3DDevice())),
+            std::make_tuple(2, 0));
   ASSERT_EQ(core.DrawTextW(L"x", -1, 0, 0, 9, 9, 12, 400, 0, 0, L"SimSun", 0, 0xFF000000), S_OK);
   EXPECT_EQ(gpu->Count(fake::Call::CreateFont), 2);
 }
@@ -134,8 +133,9 @@ TEST_F(FakeDrawTest, ACachedPictureIsDrawnTileByTileAndThePiecesJoin) {
   const CRect expected[] = {{100, 50, 108, 58}, {108, 50, 114, 58}, {100, 58, 108, 62}, {108, 58, 114, 62}};
   const CRect sources[] = {{0, 0, 4, 4}, {0, 0, 3, 4}, {0, 0, 4, 2}, {0, 0, 3, 2}};
   for (size_t i = 0; i < 4; ++i) {
-    EXPECT_EQ(draws[i].textureId, FakeTextureId(item.Tile(static_cast<int>(i % 2), static_cast<int>(i / 2))));
-    EXPECT_EQ(draws[i].source, sources[i]) << i;
+    EXPECT_EQ(std::make_tuple(draws[i].textureId, CRect(draws[i].source)),
+              std::make_tuple(FakeTextureId(item.Tile(static_cast<int>(i % 2), static_cast<int>(i / 2))), sources[i]))
+        << i;
     ExpectCorner(draws[i].quad.corners[0], static_cast<float>(expected[i].left), static_cast<float>(expected[i].top));
     ExpectCorner(draws[i].quad.corners[3], static_cast<float>(expected[i].right),
                  static_cast<float>(expected[i].bottom));
@@ -151,9 +151,8 @@ TEST_F(FakeDrawTest, APartOfAPictureTakesOnlyTheTilesItCrosses) {
   ASSERT_EQ(core.DrawImage(&item, &dest, &source, &centre, static_cast<float>(M_PI), 0x80FFFFFF), S_OK);
   const std::vector<fake::SpriteDrawRecord> draws = gpu->Draws();
   ASSERT_EQ(draws.size(), 2u);
-  EXPECT_EQ(draws[0].source, CRect(2, 1, 4, 3));
-  EXPECT_EQ(draws[1].source, CRect(0, 1, 2, 3));
-  EXPECT_EQ(draws[1].color, 0x80FFFFFFu);
+  EXPECT_EQ(std::make_tuple(CRect(draws[0].source), CRect(draws[1].source), draws[1].color),
+            std::make_tuple(CRect(2, 1, 4, 3), CRect(0, 1, 2, 3), 0x80FFFFFFu));
   // Half a turn about (4, 2): the left piece (0..4, 0..4) lands on the right.
   ExpectCorner(draws[0].quad.corners[0], 8, 4);
   ExpectCorner(draws[0].quad.corners[3], 4, 0);
@@ -163,10 +162,8 @@ TEST_F(FakeDrawTest, APartOfAPictureTakesOnlyTheTilesItCrosses) {
 TEST_F(FakeDrawTest, PicturesThatCannotBeDrawnAsAskedFailWithoutDrawing) {
   tagTextureItem item;
   MakeItem(item, CSize(8, 8), {}, {});
-  const CRect mirrored(50, 0, 10, 20);
-  EXPECT_EQ(core.DrawImage(&item, &mirrored, nullptr, nullptr, 0, 0xFFFFFFFF), E_FAIL);
-  const CRect upsideDown(0, 20, 10, 0);
-  EXPECT_EQ(core.DrawImage(&item, &upsideDown, nullptr, nullptr, 0, 0xFFFFFFFF), E_FAIL);
+  for (const CRect& inverted : {CRect(50, 0, 10, 20), CRect(0, 20, 10, 0)})  // mirrored, upside down
+    EXPECT_EQ(core.DrawImage(&item, &inverted, nullptr, nullptr, 0, 0xFFFFFFFF), E_FAIL);
   EXPECT_TRUE(gpu->Draws().empty());
 
   const CRect flat(0, 0, 0, 20);  // zero width is accepted: nothing visible

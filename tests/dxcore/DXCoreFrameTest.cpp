@@ -79,14 +79,12 @@ TEST_F(FakeCoreTest, ALostDeviceThatCannotBeResetFailsPaintingCleanlyUntilItCan)
     EXPECT_EQ(core.SetTransform(nullptr, nullptr, nullptr, 0, nullptr), E_FAIL);
     EXPECT_EQ(core.EndPaint(), E_FAIL);
   }
-  EXPECT_THAT(gpu->Calls(), IsEmpty());
-  EXPECT_THAT(trace.Lines(), IsEmpty());
+  EXPECT_TRUE(gpu->Calls().empty() && trace.Lines().empty());
 
   // The next size change resets the device once it can be, and paints go through.
   gpu->ClearFaults();
   ASSERT_EQ(core.ResetD3DSize({640, 480}), S_OK);
-  EXPECT_EQ(core.BeginPaint(), S_OK);
-  EXPECT_EQ(core.EndPaint(), S_OK);
+  EXPECT_EQ((std::vector{core.BeginPaint(), core.EndPaint()}), (std::vector<HRESULT>{S_OK, S_OK}));
 }
 
 TEST_F(FakeCoreTest, ResetFallsBackToSixteenBitsThenToDiscard) {

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <atomic>
 #include <thread>
+#include <tuple>
 
 #include "support/GLTesting.h"
 
@@ -43,9 +44,8 @@ TEST(ManagedTexture, DescribesItselfAndRefusesWhatItCannotBe) {
   ASSERT_EQ(w.device->CreateTexture(64, 32, 1, 0, D3DFMT_A8B8G8R8, D3DPOOL_MANAGED, texture.Receive(), nullptr), S_OK);
   D3DSURFACE_DESC desc{};
   ASSERT_EQ(texture->GetLevelDesc(0, &desc), S_OK);
-  EXPECT_EQ(CSize(desc.Width, desc.Height), CSize(64, 32));
-  EXPECT_EQ(desc.Format, D3DFMT_A8B8G8R8);
-  EXPECT_EQ(desc.Pool, D3DPOOL_MANAGED);
+  EXPECT_EQ(std::make_tuple(CSize(desc.Width, desc.Height), desc.Format, desc.Pool),
+            std::make_tuple(CSize(64, 32), D3DFMT_A8B8G8R8, D3DPOOL_MANAGED));
   EXPECT_EQ(texture->GetLevelDesc(1, &desc), D3DERR_INVALIDCALL);
 
   D3DCAPS9 caps{};
@@ -66,9 +66,9 @@ TEST(ManagedTexture, DescribesItselfAndRefusesWhatItCannotBe) {
   EXPECT_EQ(texture->LockRect(0, &locked, &outside, 0), D3DERR_INVALIDCALL);
   ASSERT_EQ(texture->LockRect(0, &locked, nullptr, 0), S_OK);
   EXPECT_EQ(locked.Pitch, 64 * 4);
-  EXPECT_EQ(texture->LockRect(0, &locked, nullptr, 0), D3DERR_INVALIDCALL);  // one lock at a time
-  EXPECT_EQ(texture->UnlockRect(0), S_OK);
-  EXPECT_EQ(texture->UnlockRect(0), D3DERR_INVALIDCALL);
+  // One lock at a time, one unlock per lock.
+  EXPECT_EQ((std::vector{texture->LockRect(0, &locked, nullptr, 0), texture->UnlockRect(0), texture->UnlockRect(0)}),
+            (std::vector<HRESULT>{D3DERR_INVALIDCALL, S_OK, D3DERR_INVALIDCALL}));
 }
 
 TEST(ManagedTexture, WritesReachTheScreenOnceUnlockedAndOnlyWhereWritten) {
@@ -82,8 +82,7 @@ TEST(ManagedTexture, WritesReachTheScreenOnceUnlockedAndOnlyWhereWritten) {
   EXPECT_EQ(DrawAlone(w, texture.Get()).InkBounds(kBlue), CRect());  // still locked: the old content
   ASSERT_EQ(texture->UnlockRect(0), S_OK);
   const Frame frame = DrawAlone(w, texture.Get());
-  EXPECT_EQ(frame.InkBounds(kBlue), CRect(4, 4, 8, 8));
-  EXPECT_EQ(frame.At(7, 7), kRed);
+  EXPECT_TRUE(frame.InkBounds(kBlue) == CRect(4, 4, 8, 8) && frame.At(7, 7) == kRed);
 }
 
 TEST(ManagedTexture, FilledOnAnotherThreadDrawnCorrectlyByTheDrawingThread) {
@@ -96,8 +95,7 @@ TEST(ManagedTexture, FilledOnAnotherThreadDrawnCorrectlyByTheDrawingThread) {
   }).join();
   ASSERT_TRUE(texture);
   const Frame frame = DrawAlone(w, texture.Get());
-  EXPECT_EQ(frame.At(0, 0), 0xFF000040u);
-  EXPECT_EQ(frame.At(15, 9), 0xFF0F0940u);
+  EXPECT_EQ(std::make_tuple(frame.At(0, 0), frame.At(15, 9)), std::make_tuple(0xFF000040u, 0xFF0F0940u));
 
   // The last reference may go on another thread too; the GL texture then
   // goes at the drawing thread's next scene.

@@ -3,6 +3,7 @@
 // batched draws.
 
 #include <cmath>
+#include <tuple>
 
 #include <karvelui/D3DMath.h>
 #include "support/GLTesting.h"
@@ -33,8 +34,7 @@ TEST(Sprite, WhiteDrawsTexelsUnchangedInEveryFormat) {
       EXPECT_EQ(frame.At(x, y), texel(x, y)) << x << "," << y;
       EXPECT_EQ(frame.At(8 + x, 4 + y), texel(x, y)) << x << "," << y;
     }
-  EXPECT_EQ(frame.At(4, 0), kBlack);
-  EXPECT_EQ(frame.At(13, 1), kRed);
+  EXPECT_EQ(std::make_tuple(frame.At(4, 0), frame.At(13, 1)), std::make_tuple(kBlack, kRed));
 }
 
 TEST(Sprite, ColourMultipliesEachChannelAndBlendsWithStraightAlphaOnlyWhenAsked) {
@@ -53,11 +53,10 @@ TEST(Sprite, ColourMultipliesEachChannelAndBlendsWithStraightAlphaOnlyWhenAsked)
   w.Draw(halfRed.Get(), 8, 0, 0xFFFFFF00);
   w.sprite->End();
   const Frame frame = w.Read();
-  EXPECT_TRUE(ColorNear(frame.At(0, 0) | 0xFF000000, 0xFF80407F));
-  EXPECT_TRUE(ColorNear(frame.At(2, 0) | 0xFF000000, 0xFF80007F));
-  EXPECT_TRUE(ColorNear(frame.At(4, 0) | 0xFF000000, 0xFF4000BF));
-  EXPECT_TRUE(ColorNear(frame.At(6, 0), 0xFF408000));
-  EXPECT_TRUE(ColorNear(frame.At(9, 1), 0x80FF0000));
+  const std::tuple<int, int, DWORD, DWORD> expected[] = {  // x, y, alpha forced, colour
+      {0, 0, 0xFF000000, 0xFF80407F}, {2, 0, 0xFF000000, 0xFF80007F}, {4, 0, 0xFF000000, 0xFF4000BF},
+      {6, 0, 0, 0xFF408000}, {9, 1, 0, 0x80FF0000}};
+  for (const auto& [x, y, alpha, colour] : expected) EXPECT_TRUE(ColorNear(frame.At(x, y) | alpha, colour)) << x;
 }
 
 TEST(Sprite, SourceCentreAndPositionPlaceTheTexels) {
@@ -92,11 +91,10 @@ TEST(Sprite, TransformScalesAboutItsCentreAndTurnsClockwise) {
 
   const Frame frame = w.Read();
   EXPECT_EQ(frame.InkBounds(kBlack, CRect(0, 0, 20, 20)), CRect(4, 4, 12, 8));
-  EXPECT_EQ(frame.At(5, 7), kRed);  // away from the red/green seam, which filtering blends
-  EXPECT_EQ(frame.At(10, 4), kGreen);
   EXPECT_EQ(frame.InkBounds(kBlack, CRect(20, 10, 40, 40)), CRect(28, 20, 30, 24));
-  EXPECT_EQ(frame.At(28, 20), kRed);
-  EXPECT_EQ(frame.At(29, 23), kGreen);
+  // Away from the red/green seam, which filtering blends.
+  EXPECT_EQ((std::vector{frame.At(5, 7), frame.At(10, 4), frame.At(28, 20), frame.At(29, 23)}),
+            (std::vector{kRed, kGreen, kRed, kGreen}));
 }
 
 TEST(Sprite, BatchedDrawsKeepThePaintersOrderAcrossTexturesAndClears) {
@@ -136,12 +134,12 @@ TEST(Sprite, RefusesDrawsOutsideABatchAndForeignTextures) {
   RefPtr<IDirect3DTexture9> mine = w.Solid(2, 2, kRed);
   RefPtr<IDirect3DTexture9> foreign = other.Solid(2, 2, kRed);
   const D3DXVECTOR3 at{};
-  EXPECT_EQ(w.sprite->Draw(mine.Get(), nullptr, nullptr, &at, kWhite), D3DERR_INVALIDCALL);
-  EXPECT_EQ(w.sprite->End(), D3DERR_INVALIDCALL);
+  EXPECT_EQ((std::vector{w.sprite->Draw(mine.Get(), nullptr, nullptr, &at, kWhite), w.sprite->End()}),
+            std::vector<HRESULT>(2, D3DERR_INVALIDCALL));
   ASSERT_EQ(w.sprite->Begin(D3DXSPRITE_ALPHABLEND), S_OK);
-  EXPECT_EQ(w.sprite->Begin(D3DXSPRITE_ALPHABLEND), D3DERR_INVALIDCALL);
-  EXPECT_EQ(w.sprite->Draw(nullptr, nullptr, nullptr, &at, kWhite), D3DERR_INVALIDCALL);
-  EXPECT_EQ(w.sprite->Draw(foreign.Get(), nullptr, nullptr, &at, kWhite), D3DERR_INVALIDCALL);
+  EXPECT_EQ((std::vector{w.sprite->Begin(D3DXSPRITE_ALPHABLEND), w.sprite->Draw(nullptr, nullptr, nullptr, &at, kWhite),
+                         w.sprite->Draw(foreign.Get(), nullptr, nullptr, &at, kWhite)}),
+            std::vector<HRESULT>(3, D3DERR_INVALIDCALL));
   EXPECT_EQ(w.sprite->End(), S_OK);
   EXPECT_EQ(w.Read().InkBounds(kBlack), CRect());
 }

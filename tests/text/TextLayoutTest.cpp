@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <tuple>
 
 #include "text/TextTestHelpers.h"
 
@@ -46,8 +47,7 @@ TEST_F(TextLayoutTest, AlignmentPlacesTheLineAndVerticalAlignmentAppliesToSingle
   ASSERT_EQ(left.quads.size(), 3u);
   EXPECT_EQ(left.height, 12);
   // The pen starts at the left edge: the first glyph's ink is within a few pixels of it.
-  EXPECT_GE(left.quads[0].dest.left, 10);
-  EXPECT_LE(left.quads[0].dest.left, 13);
+  EXPECT_TRUE(left.quads[0].dest.left >= 10 && left.quads[0].dest.left <= 13) << left.quads[0].dest.left;
   const struct {
     UINT format;
     int dx, dy, height;
@@ -66,17 +66,16 @@ TEST_F(TextLayoutTest, LineFeedsBreakLinesUnlessSingleLine) {
   const CRect rect(0, 0, 300, 100);
   for (const wchar_t* text : {L"a\nb", L"a\r\nb", L"a\rb"}) {
     const TextLayout broken = Lay(text, rect, DT_LEFT);
-    EXPECT_EQ(broken.lineCount, 2);
-    EXPECT_EQ(broken.height, 24);
+    EXPECT_EQ(std::make_tuple(broken.lineCount, broken.height), std::make_tuple(2, 24));
     ExpectSameGlyphs(Lay(L"a", rect, DT_LEFT), broken, 0, 0, 0);
     ExpectSameGlyphs(Lay(L"b", rect, DT_LEFT), broken, 1, 0, 12);
   }
   const TextLayout single = Lay(L"a\r\nb", rect, DT_SINGLELINE);
   EXPECT_EQ(single.lineCount, 1);
   ExpectSameGlyphs(Lay(L"ab", rect, DT_LEFT), single, 0, 0, 0);
-  EXPECT_EQ(Lay(L"a\n", rect, DT_CALCRECT).lineCount, 2);
-  EXPECT_EQ(Lay(L"a\n\nb", rect, DT_CALCRECT).height, 36);
-  EXPECT_EQ(Lay(L"", rect, DT_CALCRECT).height, 12);
+  EXPECT_EQ(std::make_tuple(Lay(L"a\n", rect, DT_CALCRECT).lineCount, Lay(L"a\n\nb", rect, DT_CALCRECT).height,
+                            Lay(L"", rect, DT_CALCRECT).height),
+            std::make_tuple(2, 36, 12));
 }
 
 TEST_F(TextLayoutTest, WordBreakWrapsLatinAtBlanksAndCjkBetweenCharacters) {
@@ -105,13 +104,11 @@ TEST_F(TextLayoutTest, CalcRectReportsTheRectangleLayoutUses) {
   const std::wstring text = L"Settings and preferences\nAbout";
   const TextLayout measured = Lay(text, rect, DT_CALCRECT | DT_WORDBREAK);
   const TextLayout drawn = Lay(text, rect, DT_WORDBREAK);
-  EXPECT_TRUE(measured.quads.empty());
-  EXPECT_EQ(measured.lineCount, drawn.lineCount);
+  EXPECT_TRUE(measured.quads.empty() && measured.lineCount == drawn.lineCount);
   // Several wrapped lines keep the width; every glyph lies within the rectangle.
   EXPECT_EQ(measured.bounds, CRect(5, 6, 95, 6 + drawn.lineCount * 12));
   const CRect ink = UnionOfQuads(drawn);
-  EXPECT_GE(ink.top, measured.bounds.top - 1);
-  EXPECT_LE(ink.bottom, measured.bounds.bottom + 1);
+  EXPECT_TRUE(ink.top >= measured.bounds.top - 1 && ink.bottom <= measured.bounds.bottom + 1);
   // Unwrapped text reports its longest line, and drawing into exactly that
   // rectangle with word breaks does not wrap it.
   const TextLayout natural = Lay(text, CRect(0, 0, 0, 0), DT_CALCRECT);
@@ -130,8 +127,8 @@ TEST_F(TextLayoutTest, EndEllipsisShortensATooLongLineAndEndsWithThreeDots) {
   for (size_t i = 0; i < kept; ++i) EXPECT_EQ(cut.quads[i].dest, full.quads[i].dest);
   const CRect dot = Lay(L".", rect, DT_SINGLELINE).quads.at(0).source;
   for (size_t i = kept; i < cut.quads.size(); ++i) EXPECT_EQ(cut.quads[i].source, dot);
-  EXPECT_LE(cut.quads.back().dest.right, rect.right);
-  EXPECT_LE(Lay(text, rect, DT_SINGLELINE | DT_END_ELLIPSIS | DT_CALCRECT).bounds.Width(), 80);
+  EXPECT_TRUE(cut.quads.back().dest.right <= rect.right &&
+              Lay(text, rect, DT_SINGLELINE | DT_END_ELLIPSIS | DT_CALCRECT).bounds.Width() <= 80);
   EXPECT_EQ(Lay(L"Short", rect, DT_SINGLELINE | DT_END_ELLIPSIS).quads.size(), 5u);  // a line that fits
 }
 
@@ -146,9 +143,9 @@ TEST_F(TextLayoutTest, ClippingCutsGlyphsToTheRectangleKeepingTheirTopPart) {
   bool partial = false;
   for (size_t i = 0; i < clipped.quads.size(); ++i) {
     const GlyphQuad& quad = clipped.quads[i];
-    EXPECT_EQ(quad.dest & rect, quad.dest);
-    EXPECT_EQ(quad.source.Size(), quad.dest.Size());
-    EXPECT_EQ(quad.source.TopLeft(), loose.quads[i].source.TopLeft());
+    EXPECT_TRUE((quad.dest & rect) == quad.dest && quad.source.Size() == quad.dest.Size() &&
+                quad.source.TopLeft() == loose.quads[i].source.TopLeft())
+        << i;
     partial = partial || quad.dest.bottom == rect.bottom;
   }
   EXPECT_TRUE(partial) << "glyphs across the bottom edge should be cut, not dropped";

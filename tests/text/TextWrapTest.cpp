@@ -56,9 +56,7 @@ TEST(LineBreaking, LineWidthsLeaveOutHangingBlanksAndAnEmptyParagraphIsOneEmptyL
   std::vector<LineSpan> spans;
   WrapParagraph(Chars(L"aa   bb"), 40, spans);
   ASSERT_EQ(spans.size(), 2u);
-  EXPECT_EQ(spans[0].width, 20);
-  EXPECT_EQ(spans[1].begin, 5);
-  EXPECT_EQ(spans[1].width, 20);
+  EXPECT_EQ(std::make_tuple(spans[0].width, spans[1].begin, spans[1].width), std::make_tuple(20, 5, 20));
   spans.clear();
   WrapParagraph({}, 100, spans);
   ASSERT_EQ(spans.size(), 1u);
@@ -75,9 +73,7 @@ TEST(LineBreaking, ForcedBreakNeverSplitsACluster) {
   spans.clear();
   WrapParagraph(chars, 15, spans);  // the cluster alone is too wide: kept whole
   ASSERT_EQ(spans.size(), 4u);
-  EXPECT_EQ(spans[2].begin, 2);
-  EXPECT_EQ(spans[2].end, 4);
-  EXPECT_EQ(spans[2].width, 20);
+  EXPECT_EQ(std::make_tuple(spans[2].begin, spans[2].end, spans[2].width), std::make_tuple(2, 4, 20));
 }
 
 TEST(EllipsisFit, KeepsTheLongestPrefixWithoutTrailingBlanks) {
@@ -88,7 +84,6 @@ TEST(EllipsisFit, KeepsTheLongestPrefixWithoutTrailingBlanks) {
   const std::tuple<int, int, int> fits[] = {{55, 5, 50}, {40, 3, 30}, {5, 0, 0}, {90, 9, 90}};
   for (const auto& [width, end, used] : fits) {
     const LineSpan fit = FitPrefix(chars, whole, width);
-    EXPECT_EQ(fit.end, end) << width;
-    EXPECT_EQ(fit.width, used) << width;
+    EXPECT_EQ(std::make_tuple(fit.end, fit.width), std::make_tuple(end, used)) << width;
   }
 }

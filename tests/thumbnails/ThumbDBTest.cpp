@@ -47,8 +47,6 @@ std::wstring WideOutputOf(const std::function<void()>& work) {
   return captured.str();
 }
 
-// --- the real files ----------------------------------------------------------------
-
 struct RealFile {
   const char* file;
   size_t entries;
@@ -74,8 +72,7 @@ TEST_P(RealThumbsDb, CatalogReadsBackToTheListedNamesAndJpegSizes) {
       continue;
     }
     ASSERT_EQ(data.size(), listed[i].jpegBytes + param.subHeader);
-    EXPECT_EQ(data[param.subHeader], 0xFF);
-    EXPECT_EQ(data[param.subHeader + 1], 0xD8);
+    EXPECT_EQ(data[param.subHeader] << 8 | data[param.subHeader + 1], 0xFFD8);  // a JPEG's start
   }
 }
 
@@ -86,8 +83,6 @@ INSTANTIATE_TEST_SUITE_P(Files, RealThumbsDb,
                                            RealFile{"www.php.gr.jp-Thumbs.db", 39, 0},
                                            RealFile{"basic-webpage-Thumbs.db", 0, 0},  // no "Catalog"
                                            RealFile{"myopenlab-Thumbs.db", 0, 0}));    // no streams at all
-
-// --- damaged variants of a real file ---------------------------------------------------
 
 // Offsets of the catalog's entries, by their record lengths (clean file).
 std::vector<size_t> EntryOffsets(const std::string& catalog) {
@@ -164,8 +159,7 @@ INSTANTIATE_TEST_SUITE_P(
 TEST(ThumbDB, ANonCompoundFileHasNoEntriesAndNoMessage) {
   std::unique_ptr<ThumbDB> db;
   EXPECT_EQ(WideOutputOf([&] { db = ThumbDB::FromMemory(MakeJpeg(8, 8)); }), L"");
-  EXPECT_TRUE(db->GetEntries().empty());
-  EXPECT_TRUE(ThumbDB(L"\\nowhere\\thumbs.db").GetEntries().empty());
+  EXPECT_TRUE(db->GetEntries().empty() && ThumbDB(L"\\nowhere\\thumbs.db").GetEntries().empty());
 }
 
 TEST(ThumbDB, ACompoundFileThatCannotBeOpenedIsReportedOnTheWideOutput) {
@@ -188,8 +182,7 @@ TEST(ThumbDB, LookupsMatchNamesExactlyAndTheFirstOfTwoEntriesOfANameWins) {
   for (size_t i = 0; i < 3; ++i) catalog[man + 16 + 2 * i] = "Key"[i];
   const std::unique_ptr<ThumbDB> db = ThumbDB::FromMemory(WriteCompound(streams));
   EXPECT_EQ(db->GetThumbData(L"Key.bmp").size(), 1077u);  // stream "6", not "15"
-  EXPECT_TRUE(db->GetThumbData(L"key.bmp").empty());
-  EXPECT_TRUE(db->GetThumbData(L"Man.bmp").empty());
+  EXPECT_TRUE(db->GetThumbData(L"key.bmp").empty() && db->GetThumbData(L"Man.bmp").empty());
   EXPECT_EQ(ThumbDB::StreamNameOf(305), L"503");
 }
 

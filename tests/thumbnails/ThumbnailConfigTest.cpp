@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <tuple>
 
 #include <karvelui/ThumbnailConfig.h>
 #include "ThumbTestSupport.h"
@@ -49,8 +50,6 @@ class ThumbnailTest : public FakeCoreTest {
   TempDir dir;
 };
 
-// --- sizes and pixels ----------------------------------------------------------------
-
 TEST(ThumbnailSize, CoversTheWantedSquareAndNeverEnlarges) {
   struct Case {
     UINT w, h;
@@ -64,19 +63,16 @@ TEST(ThumbnailSize, CoversTheWantedSquareAndNeverEnlarges) {
 TEST(ThumbnailReflection, FadesFrom43PercentToNothingAt60Percent) {
   EXPECT_DOUBLE_EQ(ReflectionAlphaFactor(0, 100), 0.43);
   EXPECT_NEAR(ReflectionAlphaFactor(30, 100), 0.43 - 0.43 * std::pow(0.3, 0.38) / std::pow(0.6, 0.38), 1e-12);
-  EXPECT_EQ(ReflectionAlphaFactor(60, 100), 0.0);
-  EXPECT_EQ(ReflectionAlphaFactor(99, 100), 0.0);
+  EXPECT_EQ(ReflectionAlphaFactor(60, 100) + ReflectionAlphaFactor(99, 100), 0.0);
   EXPECT_EQ(ReflectionVisibleRows(140), 83);  // row 83 of alpha 255 already rounds to 0
 }
 
 TEST_F(ThumbnailTest, ALargePictureLoadsResampledWithItsReflectionAndDrawsItsCentreSquare) {
   const std::shared_ptr<_ThumbnailConfig> thumb = Thumb(WritePicture("p.png", kPng, 400, 300));
   ASSERT_EQ(thumb->LoadThumb(), 1);
-  EXPECT_EQ(thumb->GetState(), THUMB_STATE_LOADED);
-  EXPECT_EQ(Desc(thumb->GetTexture()).Width, 186u);
-  EXPECT_EQ(Desc(thumb->GetTexture()).Height, 140u);
-  EXPECT_EQ(thumb->GetImageWidth(), 400u);
-  EXPECT_EQ(thumb->GetWidth(), 186);
+  EXPECT_EQ(std::make_tuple(thumb->GetState(), Desc(thumb->GetTexture()).Width, Desc(thumb->GetTexture()).Height,
+                            thumb->GetImageWidth(), thumb->GetWidth()),
+            std::make_tuple(int{THUMB_STATE_LOADED}, 186u, 140u, 400u, 186));
   // Texel (93, 70) samples picture pixel (200, 150) exactly.
   EXPECT_EQ(Texels(thumb->GetTexture())[70 * 186 + 93], Photo(200, 150));
 
@@ -93,13 +89,11 @@ TEST_F(ThumbnailTest, ALargePictureLoadsResampledWithItsReflectionAndDrawsItsCen
   ASSERT_EQ(thumb->Render(&core, CRect(10, 10, 150, 150), &clip, 0.0), 1);
   const std::vector<fake::SpriteDrawRecord> draws = gpu->Draws();
   ASSERT_EQ(draws.size(), 4u);
-  EXPECT_EQ(draws[0].source, CRect(23, 0, 163, 140));
-  EXPECT_EQ(draws[1].source, CRect(0, 0, 140, 83));  // the reflection, right below
-  EXPECT_FLOAT_EQ(draws[1].quad.corners[0].y, 150.0f);
-  EXPECT_FLOAT_EQ(draws[1].quad.corners[3].y, 233.0f);
-  EXPECT_EQ(draws[2].source, CRect(93, 0, 163, 140));  // the half left of the clip is cut in proportion
-  EXPECT_FLOAT_EQ(draws[2].quad.corners[0].x, 80.0f);
-  EXPECT_EQ(draws[3].source, CRect(70, 0, 140, 83));
+  // The reflection right below; the part left of the clip is cut in proportion.
+  EXPECT_EQ((std::vector{draws[0].source, draws[1].source, draws[2].source, draws[3].source}),
+            (std::vector<CRect>{{23, 0, 163, 140}, {0, 0, 140, 83}, {93, 0, 163, 140}, {70, 0, 140, 83}}));
+  EXPECT_EQ((std::vector{draws[1].quad.corners[0].y, draws[1].quad.corners[3].y, draws[2].quad.corners[0].x}),
+            (std::vector{150.0f, 233.0f, 80.0f}));
   core.EndPaint();
 }
 
@@ -133,18 +127,15 @@ TEST_F(ThumbnailTest, JpegsDecodedAtAReducedScaleLookLikeTheWholePictureResample
   }
 }
 
-// --- the folder's thumbs.db --------------------------------------------------------------
-
 TEST_F(ThumbnailTest, APictureListedInTheFolderDatabaseTakesItsThumbnailFromThere) {
   KARVEL_REQUIRE_THUMBSDB_DATA();
   dir.Write("Thumbs.db", TempDir::Read(ThumbsDbData() / "FOOGS-Thumbs.db"));
   const std::shared_ptr<_ThumbnailConfig> thumb = Thumb(Write("Key.bmp", "not readable as a picture"));
   ASSERT_EQ(thumb->LoadThumb(), 1);
-  EXPECT_EQ(thumb->GetState(), THUMB_STATE_LOADED);
   const D3DSURFACE_DESC desc = Desc(thumb->GetTexture());
-  EXPECT_EQ(desc.Format, D3DFMT_A8B8G8R8);
-  EXPECT_EQ(desc.Width, 140u);  // the stored 32 x 32 JPEG, stretched to the wanted size
-  EXPECT_EQ(thumb->GetImageWidth(), 32u);  // the picture itself cannot tell its size
+  // The stored 32 x 32 JPEG, stretched to the wanted size; the picture itself cannot tell its size.
+  EXPECT_EQ(std::make_tuple(thumb->GetState(), desc.Format, desc.Width, thumb->GetImageWidth()),
+            std::make_tuple(int{THUMB_STATE_LOADED}, D3DFMT_A8B8G8R8, 140u, 32u));
   EXPECT_TRUE(trace.Lines().empty());
 }
 
@@ -153,11 +144,9 @@ TEST_F(ThumbnailTest, AStoredThumbnailThatDoesNotDecodeFallsBackToThePicture) {
   dir.Write("thumbs.db", TempDir::Read(ThumbsDbData() / "qsim-svn-Thumbs.db"));  // table-less JPEGs
   const std::shared_ptr<_ThumbnailConfig> thumb = Thumb(WritePicture("brick.png", kPng, 32, 16));
   ASSERT_EQ(thumb->LoadThumb(), 1);
-  EXPECT_EQ(Desc(thumb->GetTexture()).Width, 32u);  // decoded from the file, never enlarged
-  EXPECT_EQ(Desc(thumb->GetTexture()).Format, D3DFMT_A8R8G8B8);
+  EXPECT_EQ(std::make_tuple(Desc(thumb->GetTexture()).Width, Desc(thumb->GetTexture()).Format),
+            std::make_tuple(32u, D3DFMT_A8R8G8B8));  // decoded from the file, never enlarged
 }
-
-// --- the desktop's shared cache ------------------------------------------------------------
 
 TEST_F(ThumbnailTest, ADecodedPictureIsWrittenToTheSharedCacheAndReadBackWhileItsTimeMatches) {
   const CString path = WritePicture("shared.jpg", kJpeg, 400, 300);
@@ -182,8 +171,7 @@ TEST_F(ThumbnailTest, ADecodedPictureIsWrittenToTheSharedCacheAndReadBackWhileIt
   SetPathTimes(path, status.accessTime, status.modificationTime);
   const std::shared_ptr<_ThumbnailConfig> again = Thumb(path);
   ASSERT_EQ(again->LoadThumb(), 1);
-  EXPECT_EQ(again->GetImageWidth(), 400u);
-  EXPECT_EQ(Desc(again->GetTexture()).Width, 186u);
+  EXPECT_EQ(std::make_tuple(again->GetImageWidth(), Desc(again->GetTexture()).Width), std::make_tuple(400u, 186u));
 
   SetPathTimes(path, status.accessTime, status.modificationTime + 5 * 1000000000LL);
   EXPECT_EQ(Thumb(path)->LoadThumb(), 0);  // stale: the broken file is decoded and fails
@@ -203,8 +191,8 @@ TEST_F(ThumbnailTest, TheSharedCacheCanBeTurnedOffAndStopsWritingWhereItCannot) 
 
 TEST(SharedThumbCacheNames, FileUrisEscapeEverythingButPathCharacters) {
   EXPECT_EQ(SharedThumbCache::FileUri(L"\\tmp\\a b\\\u00e9+(1).jpg"), "file:///tmp/a%20b/%C3%A9+(1).jpg");
-  EXPECT_EQ(SharedThumbCache::LargeSize(4000, 3000), CSize(256, 192));
-  EXPECT_EQ(SharedThumbCache::LargeSize(100, 80), CSize(100, 80));
+  EXPECT_EQ(std::make_tuple(SharedThumbCache::LargeSize(4000, 3000), SharedThumbCache::LargeSize(100, 80)),
+            std::make_tuple(CSize(256, 192), CSize(100, 80)));
 }
 
 }  // namespace
