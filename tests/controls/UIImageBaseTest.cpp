@@ -35,6 +35,9 @@ class OpenImageView : public CUIImageBase {
   using CUIImageBase::RotateRect;
   using CUIImageBase::SetRectData;
   using CUIImageBase::SetViewRect;
+  // A view the factory made is a plain CUIImageBase: its rectangle is read
+  // through the member, not by a downcast.
+  static CRect ViewRectOf(CUIImageBase* view) { return view->*(&OpenImageView::m_rcView); }
 };
 
 // A JPEG of the given size whose EXIF data (one IFD entry, little-endian)
@@ -197,7 +200,7 @@ class ImageViewPixelTest : public FrameworkTest {
     form = new CUIForm();
     form->SetObjectID(L"F");
     ASSERT_TRUE(form->Create(WS_POPUP | WS_VISIBLE, L"KarvelImageViewTest", L"view", nullptr, 0, CRect(0, 0, 400, 300)));
-    view = static_cast<OpenImageView*>(dynamic_cast<CUIImageBase*>(form->FindControl(L"View")));
+    view = dynamic_cast<CUIImageBase*>(form->FindControl(L"View"));
     ASSERT_NE(view, nullptr);
     ASSERT_EQ(view->GetBounds(), CRect(0, 0, 400, 300));
   }
@@ -227,7 +230,7 @@ class ImageViewPixelTest : public FrameworkTest {
 
   TempDir pictures;
   CUIForm* form = nullptr;
-  OpenImageView* view = nullptr;
+  CUIImageBase* view = nullptr;
 };
 
 TEST_F(ImageViewPixelTest, AQuarterTurnPutsThePicturesTopLeftCornerTopRight) {
@@ -269,18 +272,18 @@ TEST_F(ImageViewPixelTest, TheFullPictureReplacesItsPreviewWithoutABlankFrame) {
   auto shown = [](const Frame& f) { return ColorNear(f.At(120, 150), 0xFFC02020, 24) && ColorNear(f.At(280, 150), 0xFF2020C0, 24); };
   Frame frame = PaintUntil(shown);
   ASSERT_TRUE(shown(frame));
-  const CRect firstRect = view->m_rcView;
+  const CRect firstRect = OpenImageView::ViewRectOf(view);
   EXPECT_EQ(firstRect, CRect(20, 30, 380, 270));  // fitted from the whole picture's size
   const tagTextureItem* entry = nullptr;
   while (!(entry = cache->SearchTextureItem(path, form->GetRenderDevice()->GetD3DDevice())) || !entry->IsReady()) {
     PumpAll();
     frame = Paint();
     ASSERT_TRUE(shown(frame));  // never blank, never the preview gone before the tiles
-    ASSERT_EQ(view->m_rcView, firstRect);
+    ASSERT_EQ(OpenImageView::ViewRectOf(view), firstRect);
   }
   frame = Paint();
   EXPECT_TRUE(shown(frame));
-  EXPECT_EQ(view->m_rcView, firstRect);
+  EXPECT_EQ(OpenImageView::ViewRectOf(view), firstRect);
 }
 
 }  // namespace
