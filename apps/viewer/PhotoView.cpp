@@ -109,6 +109,7 @@ int CPhotoView::LoadImageW(const CString& path, int hostValue1, int hostValue2, 
   if (!same) m_player.Stop();  // the base stops the timer
   const int loaded = CUIImageBase::LoadImageW(path, hostValue1, hostValue2, rotation, fitWindow);
   if (!same) {
+    m_nReportedZoom = -1;  // every new picture tells its zoom, even one its predecessor had
     m_bFitted = TRUE;
     m_bDragging = FALSE;
     ReleaseControlCapture();
@@ -121,6 +122,18 @@ int CPhotoView::LoadImageW(const CString& path, int hostValue1, int hostValue2, 
 double CPhotoView::GetZoom() const {
   if (!m_pImageInfo || m_pImageInfo->Width == 0 || !IsHaveImage()) return 0.0;
   return static_cast<double>(m_rcViewF.Width()) / m_pImageInfo->Width;
+}
+
+CSize CPhotoView::GetPictureSize() const {
+  if (!IsHaveImage() || !m_pImageInfo) return CSize();
+  return CSize(static_cast<LONG>(m_pImageInfo->Width), static_cast<LONG>(m_pImageInfo->Height));
+}
+
+CString CPhotoView::GetFile() const { return IsHaveImage() ? m_pImage->m_strFile : CString(); }
+
+float CPhotoView::GetStoredRotation(const CString& path) const {
+  const auto found = m_mapRotations.find(path);
+  return found == m_mapRotations.end() ? 0.0f : found->second.fRotation;
 }
 
 int CPhotoView::GetZoomPercent() const { return static_cast<int>(std::lround(GetZoom() * 100)); }

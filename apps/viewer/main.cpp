@@ -18,6 +18,7 @@
 #include <string>
 
 #include "MainForm.h"
+#include "PhotoView.h"
 #include "Screenshot.h"
 #include <karvelui/CommonString.h>
 #include <karvelui/UIManager.h>
@@ -68,18 +69,22 @@ bool ParseOptions(int argc, char** argv, Options& options) {
   return true;
 }
 
-// Lets the form paint everything it has been asked to, then one frame more.
+// Lets the form paint everything it has been asked to, then one frame more;
+// twice, because the first frame of a picture tells the status line its size.
 void PaintOnce(KarvelView::CMainForm& form) {
-  MSG msg;
-  while (PeekMessageW(&msg, nullptr, 0, 0, PM_REMOVE))
-    if (!WalkPreTranslateTree(&msg)) DispatchMessageW(&msg);
-  form.OnPaint(0);
+  for (int round = 0; round < 2; ++round) {
+    MSG msg;
+    while (PeekMessageW(&msg, nullptr, 0, 0, PM_REMOVE))
+      if (!WalkPreTranslateTree(&msg)) DispatchMessageW(&msg);
+    form.OnPaint(0);
+  }
 }
 
 int RunViewer(const Options& options) {
   CommonString* strings = CommonString::GetInstance();
   strings->LoadStringTable(strings->GetAppPath() + L"KarvelView.lng");
   CUISkinManager* skins = CUISkinManager::GetInstance();
+  KarvelView::CMainForm::RegisterControls();
   if (!skins->InitSkinData()) {
     std::fprintf(stderr, "karvelview: the skin files beside the program cannot be read\n");
     return 1;
@@ -93,6 +98,9 @@ int RunViewer(const Options& options) {
     std::fprintf(stderr, "karvelview: the main window cannot be made\n");
     return 1;
   }
+  // A picture off screen comes up whole: there is no next frame to finish it in.
+  if (!options.screenshot.empty() && form->GetPhotoView()) form->GetPhotoView()->SetProgressiveLoading(FALSE);
+  form->OpenPath(strings->GetAppPath() + L"Photos");
   if (options.screenshot.empty()) return RunMessageLoop();
 
   PaintOnce(*form);
