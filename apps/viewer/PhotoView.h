@@ -128,6 +128,10 @@ class CPhotoView : public KarvelUI::CUIImageBase {
   KarvelUI::RectF ScreenRect();
 
  private:
+  // Whether the ready picture reaches outside the inner rectangle.
+  bool PictureOverflows(KarvelUI::DXCore* dx);
+  // The part of the picture inside the inner rectangle.
+  void DrawInsideView(KarvelUI::DXCore* dx);
   void ApplyViewRect();
   void ReportZoom();
   void StartAnimation(KarvelUI::DXCore* dx);

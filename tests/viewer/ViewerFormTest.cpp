@@ -25,6 +25,7 @@
 #include "PathText.h"
 #include "PhotoView.h"
 #include "skin/SkinTestSupport.h"
+#include "support/GLTesting.h"
 #include "support/PictureFiles.h"
 #include "support/WindowTesting.h"
 
@@ -151,6 +152,21 @@ TEST_F(ViewerFormTest, TurnsAreStoredPerFileAndZoomCommandsReachTheView) {
   EXPECT_FALSE(view->IsFitted());
   Choose(CContextMenu::kFit);
   EXPECT_TRUE(view->IsFitted());
+}
+
+TEST_F(ViewerFormTest, AZoomedPhotoStaysInsideItsView) {
+  ShowFirstPhoto();
+  form->StepPicture(1);  // an opaque photo: ColourChart.jpg
+  form->OnPaint(0);
+  const Frame fitted = ReadBack(form->GetRenderDevice()->GetD3DDevice());
+  const CRect view = form->GetPhotoView()->GetBoundsSmall();
+  form->GetPhotoView()->ZoomAt(4, view.CenterPoint());
+  form->OnPaint(0);
+  const Frame zoomed = ReadBack(form->GetRenderDevice()->GetD3DDevice());
+  const int x = view.CenterPoint().x;
+  for (int y : {int(view.top) - 1, int(view.bottom)})  // the caption's edge, the tool bar's
+    EXPECT_EQ(zoomed.At(x, y), fitted.At(x, y)) << y;
+  EXPECT_NE(zoomed.At(x, view.top + 1), fitted.At(x, view.top + 1));  // the photo fills the view
 }
 
 TEST_F(ViewerFormTest, CopyPathPutsTheSystemsFormOfThePathOnTheClipboard) {

@@ -51,7 +51,7 @@ constexpr int kNextOutlineX = 8 + 42 + 2;
 constexpr int kNextOutlineFromBottom = 52 - 6 - 16;
 const char* const kTitle = "KarvelView";
 // Left of the photo, which the view centres: the form's centre fill.
-constexpr int kBesidePhotoX = 20;
+constexpr int kBesidePhotoX = 100;
 // The context menu (Theme/Default, CUIMenu "public"): entries 22 high,
 // separators 7, from 2 down; Skins is the seventh entry after two
 // separators, Ocean the second of its sub-menu.
