@@ -18,6 +18,7 @@
 #include <karvelui/IMenu.h>
 #include <karvelui/MessageQueue.h>
 #include <karvelui/UIButton.h>
+#include <karvelui/UISlider.h>
 #include <karvelui/UIManager.h>
 
 #include "ContextMenu.h"
@@ -133,6 +134,8 @@ TEST_F(ViewerFormTest, ASkinEntrySwitchesEveryOpenFormAndIsSavedAsTheChoice) {
   EXPECT_TRUE(root->FindIMenu(CContextMenu::kFirstSkin + 1)->IsChecked());
   root->Release();
   other->Release();
+  form->Release();
+  DropQuit();
   CUISkinManager::FreeInstance();
   EXPECT_NE(Read("PreSkin.xml").find("Ocean"), std::string::npos) << Read("PreSkin.xml");
 }
@@ -152,6 +155,18 @@ TEST_F(ViewerFormTest, TurnsAreStoredPerFileAndZoomCommandsReachTheView) {
   EXPECT_FALSE(view->IsFitted());
   Choose(CContextMenu::kFit);
   EXPECT_TRUE(view->IsFitted());
+}
+
+TEST_F(ViewerFormTest, TheZoomSliderAndThePhotoViewFollowEachOther) {
+  ShowFirstPhoto();
+  auto* slider = static_cast<CUISlider*>(form->FindControlRecusive(L"sldZoom"));
+  CPhotoView* view = form->GetPhotoView();
+  view->ZoomAt(2, view->GetBoundsSmall().CenterPoint());  // the wheel
+  EXPECT_EQ(view->GetZoomPercent(), 150);
+  EXPECT_EQ(slider->GetPosition(), 150);
+  slider->SetPosition(220);  // as a drag leaves it
+  slider->FireEvent(UI_EVENT_SLIDER_CHANGED, slider);
+  EXPECT_EQ(view->GetZoomPercent(), 220);
 }
 
 TEST_F(ViewerFormTest, AZoomedPhotoStaysInsideItsView) {

@@ -3,7 +3,8 @@
 // read back from the server (not from GL). The skin's caption and border
 // must be there (assets/README.md); Tab shows a tool button's keyboard
 // focus; dragging the caption moves the window; a click on the caption's
-// close button ends the program with exit code 0.
+// close button ends the program with exit code 0. A right click on the
+// photo opens the context menu on screen; Skins > Ocean re-skins the window.
 
 #include <gtest/gtest.h>
 
