@@ -1,5 +1,9 @@
 #include "MainForm.h"
 
+#include <algorithm>
+
+#include "ContextMenu.h"
+#include "PhotoView.h"
 #include <karvelui/CommonString.h>
 #include <karvelui/Input.h>
 #include <karvelui/SkinManager.h>
@@ -17,9 +21,14 @@ constexpr int kZoomMin = 10;   // percent
 constexpr int kZoomMax = 400;
 constexpr int kZoomStart = 100;
 
+// The keyboard's Menu key (VK_APPS), which opens the context menu.
+constexpr UINT kMenuKey = 0x5D;
+
 CString Text(const wchar_t* id) { return CommonString::GetInstance()->GetStringViaID(id); }
 
 }  // namespace
+
+CMainForm::CMainForm() : m_menu(std::make_unique<CContextMenu>(*this)) {}
 
 bool CMainForm::Open() {
   SetObjectID(L"MainForm");
@@ -30,6 +39,7 @@ bool CMainForm::Open() {
   FindControls();
   ListenEvent(UI_EVENT_CLICK, MakeDelegate(this, &CMainForm::OnButtonClick));
   ListenEvent(UI_EVENT_SLIDER_CHANGED, MakeDelegate(this, &CMainForm::OnZoomChanged));
+  ListenEvent(kZoomChangedEvent, MakeDelegate(this, &CMainForm::OnViewZoomed));
   for (const wchar_t* id : kToolButtons)
     if (CUIControl* button = FindControlRecusive(id)) AddTABOrder(button);
   if (m_zoom) m_zoom->SetRange(kZoomMin, kZoomMax);
@@ -44,11 +54,13 @@ CMainForm::~CMainForm() { PostQuitMessage(0); }
 void CMainForm::FindControls() {
   m_zoom = dynamic_cast<CUISlider*>(FindControlRecusive(L"sldZoom"));
   m_status = dynamic_cast<CUILabel*>(FindControlRecusive(L"lblStatus"));
+  m_view = dynamic_cast<CPhotoView*>(FindControlRecusive(L"ImageView"));
 }
 
 void CMainForm::OnSkinChanged() {
   CUIForm::OnSkinChanged();
   PlaceZoomThumb();
+  ShowStatus(CString());  // it names the skin
 }
 
 void CMainForm::OnSize(UINT type, int cx, int cy) {
@@ -57,24 +69,41 @@ void CMainForm::OnSize(UINT type, int cx, int cy) {
 }
 
 void CMainForm::PlaceZoomThumb() {
-  if (m_zoom) m_zoom->SetPosition(m_zoomPercent);
+  // The view zooms further than the slider reaches; the thumb then waits at the end.
+  if (m_zoom) m_zoom->SetPosition(std::clamp(m_zoomPercent, kZoomMin, kZoomMax));
 }
 
 // --- events --------------------------------------------------------------------------------
 
 void CMainForm::OnButtonClick(CUIControl* sender, void*) {
   if (!sender) return;
-  if (sender->GetObjectID() == L"btnSkin") SwitchSkin();
-  // The picture view comes later; until then the status line says what was asked.
-  ShowStatus(sender->GetTooltipText());
+  const CString id = sender->GetObjectID();
+  if (id == L"btnSkin") SwitchSkin();
+  else if (id == L"btnPrev") StepPicture(-1);
+  else if (id == L"btnNext") StepPicture(1);
+  else if (id == L"btnRotateLeft") RotateLeft();
+  else if (id == L"btnRotateRight") RotateRight();
+  else if (id == L"btnFit") FitPicture();
+  else if (id == L"btnActualSize") ActualSize();
 }
 
 void CMainForm::OnZoomChanged(CUIControl*, void*) {
   if (!m_zoom) return;
-  m_zoomPercent = m_zoom->GetPosition();
   // A click in the track leaves the slider holding the mouse; the viewer
   // wants the next click to go where it points.
   if (!m_zoom->IsDragging() && GetCaptureControl() == m_zoom) m_zoom->ReleaseControlCapture();
+  if (m_view && m_view->GetZoomPercent() > 0) {
+    m_view->SetZoomPercent(m_zoom->GetPosition());  // the view reports back (OnViewZoomed)
+    return;
+  }
+  m_zoomPercent = m_zoom->GetPosition();
+  ShowStatus(CString());
+}
+
+void CMainForm::OnViewZoomed(CUIControl*, void*) {
+  if (!m_view) return;
+  m_zoomPercent = m_view->GetZoomPercent();
+  PlaceZoomThumb();
   ShowStatus(CString());
 }
 
@@ -96,6 +125,8 @@ void CMainForm::ShowStatus(const CString& action) {
   if (skin.IsEmpty()) skin = skins->GetCurrentSkinName();
   CString line;
   line.Format(L"%s  |  %s %d%%", skin, Text(L"STRID_STATUS_ZOOM"), m_zoomPercent);
+  const CString picture = PictureText();
+  if (!picture.IsEmpty()) line = picture + L"  |  " + line;
   if (!action.IsEmpty()) line = action + L"  |  " + line;
   m_status->SetText(line, FALSE);
   m_status->Refresh();
@@ -106,6 +137,18 @@ void CMainForm::ShowStatus(const CString& action) {
 CUIButton* CMainForm::FocusedButton() { return dynamic_cast<CUIButton*>(GetKeyFocusControl()); }
 
 LRESULT CMainForm::WindowProc(UINT message, WPARAM wParam, LPARAM lParam) {
+  if (message == WM_KEYDOWN && !IsClosing()) {
+    if (wParam == kMenuKey) {
+      CPoint centre = m_view ? m_view->GetBounds().CenterPoint() : GetBounds().CenterPoint();
+      ClientToScreen(&centre);
+      ShowContextMenu(centre.x, centre.y);
+      return 1;
+    }
+    // The photo view's keys do not wait for it to hold the focus: it is
+    // what the window is about.
+    if (m_view && m_view->OnKeyMessage(message, static_cast<UINT>(wParam), LOWORD(lParam), HIWORD(lParam)))
+      return 1;
+  }
   const bool tab = message == WM_KEYDOWN && wParam == static_cast<WPARAM>(VK_TAB);
   const LRESULT result = CUIForm::WindowProc(message, wParam, lParam);
   // The form shows a newly focused button in its hover state; the viewer
@@ -113,6 +156,22 @@ LRESULT CMainForm::WindowProc(UINT message, WPARAM wParam, LPARAM lParam) {
   if (tab)
     if (CUIButton* button = FocusedButton(); button && button->IsFocused()) button->SetButtonStatus(UIBUTTON_KBFOCUS);
   return result;
+}
+
+int CMainForm::OnMouseMessage(UINT message, UINT flags, const CPoint& point) {
+  if (message != WM_RBUTTONUP || !OpensContextMenu(point)) return CUIForm::OnMouseMessage(message, flags, point);
+  CPoint screen = point;
+  ClientToScreen(&screen);
+  ShowContextMenu(screen.x, screen.y);
+  return 1;
+}
+
+bool CMainForm::OpensContextMenu(const CPoint& point) {
+  for (const wchar_t* id : {L"ImageView", L"ThumbList"}) {
+    CUIControl* control = FindControlRecusive(id);
+    if (control && control->IsShown() && control->GetBounds().PtInRect(point)) return true;
+  }
+  return false;
 }
 
 int CMainForm::OnKeyMessage(UINT message, UINT wParam, UINT, UINT) {

@@ -21,6 +21,8 @@ constexpr const wchar_t* kTypeName = L"CPhotoView";
 constexpr int kWheelNotch = 120;
 constexpr int kDefaultFrameTime = 100;  // milliseconds, for a frame that tells none
 constexpr double kZoomTolerance = 1e-4;  // a zoom this close to a step is on it
+// A picture pixel whose edge lies this close to the view's edge counts as inside.
+constexpr double kEdgeTolerance = 1e-3;
 // Keys of the view (virtual-key codes of the US layout).
 constexpr UINT kKeyOpenBracket = 0xDB;   // "["
 constexpr UINT kKeyCloseBracket = 0xDD;  // "]"
@@ -109,6 +111,7 @@ int CPhotoView::LoadImageW(const CString& path, int hostValue1, int hostValue2, 
   if (!same) m_player.Stop();  // the base stops the timer
   const int loaded = CUIImageBase::LoadImageW(path, hostValue1, hostValue2, rotation, fitWindow);
   if (!same) {
+    m_nReportedZoom = -1;  // every new picture tells its zoom, even one its predecessor had
     m_bFitted = TRUE;
     m_bDragging = FALSE;
     ReleaseControlCapture();
@@ -121,6 +124,18 @@ int CPhotoView::LoadImageW(const CString& path, int hostValue1, int hostValue2, 
 double CPhotoView::GetZoom() const {
   if (!m_pImageInfo || m_pImageInfo->Width == 0 || !IsHaveImage()) return 0.0;
   return static_cast<double>(m_rcViewF.Width()) / m_pImageInfo->Width;
+}
+
+CSize CPhotoView::GetPictureSize() const {
+  if (!IsHaveImage() || !m_pImageInfo) return CSize();
+  return CSize(static_cast<LONG>(m_pImageInfo->Width), static_cast<LONG>(m_pImageInfo->Height));
+}
+
+CString CPhotoView::GetFile() const { return IsHaveImage() ? m_pImage->m_strFile : CString(); }
+
+float CPhotoView::GetStoredRotation(const CString& path) const {
+  const auto found = m_mapRotations.find(path);
+  return found == m_mapRotations.end() ? 0.0f : found->second.fRotation;
 }
 
 int CPhotoView::GetZoomPercent() const { return static_cast<int>(std::lround(GetZoom() * 100)); }
@@ -249,9 +264,64 @@ void CPhotoView::RenderSelf(DXCore* dx, CRect* clip) {
       ApplyViewRect();
     }
   }
-  CUIImageBase::RenderSelf(dx, clip);
+  if (!PictureOverflows(dx)) {
+    CUIImageBase::RenderSelf(dx, clip);
+  } else {
+    // The device does not clip: the base draws its frame around a picture
+    // of no size, and the part inside the view is drawn here.
+    const CRect view = m_rcView;
+    m_rcView = CRect(view.CenterPoint(), view.CenterPoint());
+    CUIImageBase::RenderSelf(dx, clip);
+    m_rcView = view;
+    DrawInsideView(dx);
+  }
   if (IsHaveImage() && m_pImageInfo) ReportZoom();
   if (!m_bAnimationTimerOn && IsLoadImageSuccess() && IsHaveImage()) StartAnimation(dx);
+}
+
+bool CPhotoView::PictureOverflows(DXCore* dx) {
+  if (!dx || !IsHaveImage() || !m_pImageInfo || m_pImageInfo->Width == 0 || !IsLoadImageSuccess() || m_bNeedRefresh)
+    return false;
+  const CRect inner = GetBoundsSmall();
+  const RectF screen = ScreenRect();
+  if (screen.left >= inner.left && screen.top >= inner.top && screen.right <= inner.right &&
+      screen.bottom <= inner.bottom)
+    return false;
+  // Until the whole picture is up the base shows its preview, unclipped.
+  const tagTextureItem* item = dx->GetResourceCache()->SearchTextureItem(m_pImage->m_strFile, dx->GetD3DDevice());
+  return item && item->IsReady();
+}
+
+void CPhotoView::DrawInsideView(DXCore* dx) {
+  const CRect inner = GetBoundsSmall();
+  const RectF screen = ScreenRect();
+  RectF shown(std::max(screen.left, static_cast<float>(inner.left)), std::max(screen.top, static_cast<float>(inner.top)),
+              std::min(screen.right, static_cast<float>(inner.right)),
+              std::min(screen.bottom, static_cast<float>(inner.bottom)));
+  if (shown.right <= shown.left || shown.bottom <= shown.top) return;
+  const float cx = (m_rcViewF.left + m_rcViewF.right) / 2, cy = (m_rcViewF.top + m_rcViewF.bottom) / 2;
+  RotateRect(shown, -m_pImage->m_fRotation, cx, cy);  // into the picture's own axes
+  // Whole picture pixels inside the view, drawn exactly where the whole
+  // picture would put them: at the view's edge up to one of them is left out.
+  const double zoom = static_cast<double>(m_rcViewF.Width()) / m_pImageInfo->Width;
+  const auto pixel = [&](float at, float origin) { return (at - origin) / zoom; };
+  CRect source(static_cast<LONG>(std::ceil(pixel(shown.left, m_rcViewF.left) - kEdgeTolerance)),
+               static_cast<LONG>(std::ceil(pixel(shown.top, m_rcViewF.top) - kEdgeTolerance)),
+               static_cast<LONG>(std::floor(pixel(shown.right, m_rcViewF.left) + kEdgeTolerance)),
+               static_cast<LONG>(std::floor(pixel(shown.bottom, m_rcViewF.top) + kEdgeTolerance)));
+  source.IntersectRect(source, CRect(0, 0, static_cast<LONG>(m_pImageInfo->Width),
+                                     static_cast<LONG>(m_pImageInfo->Height)));
+  if (source.IsRectEmpty()) return;
+  const RectF dest(static_cast<float>(m_rcViewF.left + source.left * zoom),
+                   static_cast<float>(m_rcViewF.top + source.top * zoom),
+                   static_cast<float>(m_rcViewF.left + source.right * zoom),
+                   static_cast<float>(m_rcViewF.top + source.bottom * zoom));
+  const CRect target = RoundRect(dest);
+  const D3DXVECTOR2 centre{static_cast<float>(m_pImage->m_nRotateCenterX),
+                           static_cast<float>(m_pImage->m_nRotateCenterY)};
+  dx->DrawImage(m_pImage->m_strFile, &target, &source, &centre, m_pImage->m_fRotation, m_pImage->m_dwColor,
+                m_pImage->m_nFrame);
+  dx->SetTransform(nullptr, nullptr, nullptr, 0.0f, nullptr);
 }
 
 void CPhotoView::StartAnimation(DXCore* dx) {

@@ -96,6 +96,12 @@ class CPhotoView : public KarvelUI::CUIImageBase {
   int GetZoomPercent() const;
   double GetZoom() const;
   KarvelUI::BOOL IsFitted() const { return m_bFitted; }
+  // The shown picture's own size in pixels; empty until it is first drawn.
+  KarvelUI::CSize GetPictureSize() const;
+  // The path of the shown picture; empty without one.
+  KarvelUI::CString GetFile() const;
+  // The turn stored for `path` (radians, clockwise); 0 for a file never shown.
+  float GetStoredRotation(const KarvelUI::CString& path) const;
 
   int LoadImageW(const KarvelUI::CString& path, int hostValue1, int hostValue2, float rotation,
                  int fitWindow) override;
@@ -122,6 +128,10 @@ class CPhotoView : public KarvelUI::CUIImageBase {
   KarvelUI::RectF ScreenRect();
 
  private:
+  // Whether the ready picture reaches outside the inner rectangle.
+  bool PictureOverflows(KarvelUI::DXCore* dx);
+  // The part of the picture inside the inner rectangle.
+  void DrawInsideView(KarvelUI::DXCore* dx);
   void ApplyViewRect();
   void ReportZoom();
   void StartAnimation(KarvelUI::DXCore* dx);

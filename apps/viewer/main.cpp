@@ -2,7 +2,10 @@
 // calls every host makes: the device object, the string table, the skin
 // data, the main form, the message loop, and the singletons freed at the end.
 //
-//   karvelview                       a window (or a screenshot without a display)
+//   karvelview [PATH]                a window (or a screenshot without a display)
+//                                    showing the pictures of the folder PATH, or
+//                                    of the folder of the picture PATH (default:
+//                                    the sample photos)
 //   karvelview --screenshot FILE     paint the main form off screen into a PNG
 //   karvelview --skin NAME           start with that skin
 //   karvelview --effect NAME --screenshot FILE
@@ -15,9 +18,12 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
 #include <string>
 
 #include "MainForm.h"
+#include "PathText.h"
+#include "PhotoView.h"
 #include "Screenshot.h"
 #include <karvelui/CommonString.h>
 #include <karvelui/UIManager.h>
@@ -37,6 +43,7 @@ struct Options {
   std::string screenshot;  // empty: windowed
   CString skin;
   CString effect;  // empty: none
+  std::string path;  // empty: the sample photos
 };
 
 bool HasDisplay() {
@@ -56,8 +63,10 @@ bool ParseOptions(int argc, char** argv, Options& options) {
       options.skin = CString(argv[++i]);
     } else if (arg == "--effect" && i + 1 < argc) {
       options.effect = CString(argv[++i]);
+    } else if (arg.rfind("--", 0) != 0 && options.path.empty()) {
+      options.path = arg;
     } else {
-      std::fprintf(stderr, "usage: %s [--screenshot FILE.png] [--skin NAME] [--effect NAME]\n", argv[0]);
+      std::fprintf(stderr, "usage: %s [--screenshot FILE.png] [--skin NAME] [--effect NAME] [PATH]\n", argv[0]);
       return false;
     }
   }
@@ -68,18 +77,22 @@ bool ParseOptions(int argc, char** argv, Options& options) {
   return true;
 }
 
-// Lets the form paint everything it has been asked to, then one frame more.
+// Lets the form paint everything it has been asked to, then one frame more;
+// twice, because the first frame of a picture tells the status line its size.
 void PaintOnce(KarvelView::CMainForm& form) {
-  MSG msg;
-  while (PeekMessageW(&msg, nullptr, 0, 0, PM_REMOVE))
-    if (!WalkPreTranslateTree(&msg)) DispatchMessageW(&msg);
-  form.OnPaint(0);
+  for (int round = 0; round < 2; ++round) {
+    MSG msg;
+    while (PeekMessageW(&msg, nullptr, 0, 0, PM_REMOVE))
+      if (!WalkPreTranslateTree(&msg)) DispatchMessageW(&msg);
+    form.OnPaint(0);
+  }
 }
 
 int RunViewer(const Options& options) {
   CommonString* strings = CommonString::GetInstance();
   strings->LoadStringTable(strings->GetAppPath() + L"KarvelView.lng");
   CUISkinManager* skins = CUISkinManager::GetInstance();
+  KarvelView::CMainForm::RegisterControls();
   if (!skins->InitSkinData()) {
     std::fprintf(stderr, "karvelview: the skin files beside the program cannot be read\n");
     return 1;
@@ -93,6 +106,9 @@ int RunViewer(const Options& options) {
     std::fprintf(stderr, "karvelview: the main window cannot be made\n");
     return 1;
   }
+  // A picture off screen comes up whole: there is no next frame to finish it in.
+  if (!options.screenshot.empty() && form->GetPhotoView()) form->GetPhotoView()->SetProgressiveLoading(FALSE);
+  form->OpenPath(options.path.empty() ? strings->GetAppPath() + L"Photos" : KarvelView::LibraryPath(std::filesystem::absolute(options.path).string()));
   if (options.screenshot.empty()) return RunMessageLoop();
 
   PaintOnce(*form);

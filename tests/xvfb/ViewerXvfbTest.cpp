@@ -3,7 +3,8 @@
 // read back from the server (not from GL). The skin's caption and border
 // must be there (assets/README.md); Tab shows a tool button's keyboard
 // focus; dragging the caption moves the window; a click on the caption's
-// close button ends the program with exit code 0.
+// close button ends the program with exit code 0. A right click on the
+// photo opens the context menu on screen; Skins > Ocean re-skins the window.
 
 #include <gtest/gtest.h>
 
@@ -50,6 +51,15 @@ constexpr int kCloseY = 16;
 constexpr int kNextOutlineX = 8 + 42 + 2;
 constexpr int kNextOutlineFromBottom = 52 - 6 - 16;
 const char* const kTitle = "KarvelView";
+// Left of the photo, which the view centres: the form's centre fill.
+constexpr int kBesidePhotoX = 100;
+// The context menu (Theme/Default, CUIMenu "public"): entries 22 high,
+// separators 7, from 2 down; Skins is the seventh entry after two
+// separators, Ocean the second of its sub-menu.
+const char* const kMenuTitle = "KarvelUIMenu";
+constexpr int kSkinsEntryY = 2 + 22 + 7 + 5 * 22 + 7 + 11;
+constexpr int kOceanEntryY = 2 + 22 + 11;
+constexpr unsigned kOceanCaption = 0x1E6091;  // Ocean's caption band, row 20
 
 bool WaitFor(std::chrono::steady_clock::duration timeout, const std::function<bool()>& done) {
   const auto end = Clock::now() + timeout;
@@ -170,16 +180,22 @@ class ViewerXvfbTest : public testing::Test {
 
   // The viewable top-level window titled kTitle.
   Window FindViewer() {
+    const std::vector<Window> windows = FindWindows(kTitle);
+    return windows.empty() ? 0 : windows.front();
+  }
+
+  // The viewable top-level windows titled `title`, lowest first.
+  std::vector<Window> FindWindows(const std::string& title) {
+    std::vector<Window> found;
     Window root = 0, parent = 0, *children = nullptr;
     unsigned count = 0;
-    Window found = 0;
-    if (!XQueryTree(display.get(), DefaultRootWindow(display.get()), &root, &parent, &children, &count)) return 0;
-    for (unsigned i = 0; i < count && !found; ++i) {
+    if (!XQueryTree(display.get(), DefaultRootWindow(display.get()), &root, &parent, &children, &count)) return found;
+    for (unsigned i = 0; i < count; ++i) {
       XWindowAttributes attributes;
       char* name = nullptr;
       if (XGetWindowAttributes(display.get(), children[i], &attributes) && attributes.map_state == IsViewable &&
-          XFetchName(display.get(), children[i], &name) && name && std::string(name) == kTitle)
-        found = children[i];
+          XFetchName(display.get(), children[i], &name) && name && title == name)
+        found.push_back(children[i]);
       if (name) XFree(name);
     }
     if (children) XFree(children);
@@ -221,7 +237,9 @@ class ViewerXvfbTest : public testing::Test {
 
   // XTest's pointer, with a pause for the viewer to follow.
   void MoveMouse(int x, int y) { Settle(XTestFakeMotionEvent(display.get(), -1, x, y, CurrentTime)); }
-  void Button(bool down) { Settle(XTestFakeButtonEvent(display.get(), 1, down ? True : False, CurrentTime)); }
+  void Button(bool down, unsigned button = 1) {
+    Settle(XTestFakeButtonEvent(display.get(), button, down ? True : False, CurrentTime));
+  }
   void Key(KeySym key) {
     const KeyCode code = XKeysymToKeycode(display.get(), key);
     XTestFakeKeyEvent(display.get(), code, True, CurrentTime);
@@ -258,7 +276,7 @@ TEST_F(ViewerXvfbTest, TheWindowShowsItsSkinMovesByItsCaptionAndClosesByItsButto
   EXPECT_EQ(Rgb(screen.get(), r.x + 4, r.y + r.height / 2), kSide);
   EXPECT_EQ(Rgb(screen.get(), r.x + r.width - 5, r.y + r.height / 2), kSide);
   EXPECT_EQ(Rgb(screen.get(), r.x + r.width / 2, r.y + r.height - 4), kSide);
-  EXPECT_EQ(Rgb(screen.get(), r.x + r.width / 2, r.y + r.height / 2), kCentre);
+  EXPECT_EQ(Rgb(screen.get(), r.x + kBesidePhotoX, r.y + r.height / 2), kCentre);
 
   Key(XK_Tab);
   ASSERT_TRUE(WaitFor(kPaintTimeout, [&] {
@@ -281,6 +299,43 @@ TEST_F(ViewerXvfbTest, TheWindowShowsItsSkinMovesByItsCaptionAndClosesByItsButto
   const std::optional<int> status = viewer->WaitExit(kExitTimeout);
   ASSERT_TRUE(status.has_value()) << "the viewer did not exit after its close button was clicked";
   EXPECT_EQ(*status, 0);
+}
+
+TEST_F(ViewerXvfbTest, ARightClickOnThePhotoOpensTheMenuWhoseSkinsEntrySwitchesTheSkin) {
+  StartViewer();
+  Window window = 0;
+  ASSERT_TRUE(WaitFor(kStartTimeout, [&] { return (window = FindViewer()) != 0; })) << "no viewer window on screen";
+  const XRectangle r = Geometry(window);
+  Image screen;
+  ASSERT_TRUE(WaitFor(kPaintTimeout, [&] {
+    screen = Screen();
+    return screen && Rgb(screen.get(), r.x + r.width / 2, r.y + 16) == kCaption;
+  })) << "the caption band never appeared";
+
+  MoveMouse(r.x + r.width / 2, r.y + r.height / 2);
+  Button(true, 3);
+  Button(false, 3);
+  std::vector<Window> menus;
+  ASSERT_TRUE(WaitFor(kPaintTimeout, [&] { return (menus = FindWindows(kMenuTitle)).size() == 1; }))
+      << "no context menu on screen";
+  const XRectangle menu = Geometry(menus[0]);
+  MoveMouse(menu.x + 30, menu.y + kSkinsEntryY);
+  MoveMouse(menu.x + 32, menu.y + kSkinsEntryY);
+  ASSERT_TRUE(WaitFor(kPaintTimeout, [&] { return (menus = FindWindows(kMenuTitle)).size() == 2; }))
+      << "resting on Skins opened no sub-menu";
+  XRectangle sub = Geometry(menus[1]);
+  if (sub.x == menu.x && sub.y == menu.y) sub = Geometry(menus[0]);
+  MoveMouse(sub.x + 20, menu.y + kSkinsEntryY);
+  MoveMouse(sub.x + 30, sub.y + kOceanEntryY);
+  Button(true);
+  Button(false);
+
+  const bool switched = WaitFor(kPaintTimeout, [&] {
+    screen = Screen();
+    return FindWindows(kMenuTitle).empty() && Rgb(screen.get(), r.x + r.width / 2, r.y + 20) == kOceanCaption;
+  });
+  if (screen) SavePng(screen.get(), fs::path(KARVEL_BINARY_DIR) / "xvfb-viewer-ocean.png");
+  EXPECT_TRUE(switched) << "choosing Skins > Ocean left the caption as it was";
 }
 
 }  // namespace
