@@ -94,8 +94,9 @@ void CMainForm::ChooseSkin(const CString& name) {
 }
 
 void CMainForm::PlaySwirl() {
-  const CString path = GetShownPath();
-  if (!path.IsEmpty()) m_swirl.Start(this, path);
+  // The window's own frame, photo in place: a photo stretched over the whole
+  // window would be distorted for the length of the transition.
+  if (!GetShownPath().IsEmpty()) m_swirl.Start(this, CString());
 }
 
 void CMainForm::AskForFolder() {
