@@ -5,6 +5,7 @@
 //   karvelview                       a window (or a screenshot without a display)
 //   karvelview --screenshot FILE     paint the main form off screen into a PNG
 //   karvelview --skin NAME           start with that skin
+//   karvelview --watch-skins         reload the skin whenever its files are saved
 //   karvelview --effect NAME --screenshot FILE
 //                                    the same with one frame of a full-window
 //                                    effect (BandedSwirlEffect) drawn over it
@@ -19,6 +20,7 @@
 
 #include "MainForm.h"
 #include "Screenshot.h"
+#include "SkinWatch.h"
 #include <karvelui/CommonString.h>
 #include <karvelui/UIManager.h>
 #include <karvelui/MessageQueue.h>
@@ -37,6 +39,7 @@ struct Options {
   std::string screenshot;  // empty: windowed
   CString skin;
   CString effect;  // empty: none
+  bool watchSkins = false;
 };
 
 bool HasDisplay() {
@@ -54,10 +57,12 @@ bool ParseOptions(int argc, char** argv, Options& options) {
       options.screenshot = argv[++i];
     } else if (arg == "--skin" && i + 1 < argc) {
       options.skin = CString(argv[++i]);
+    } else if (arg == "--watch-skins") {
+      options.watchSkins = true;
     } else if (arg == "--effect" && i + 1 < argc) {
       options.effect = CString(argv[++i]);
     } else {
-      std::fprintf(stderr, "usage: %s [--screenshot FILE.png] [--skin NAME] [--effect NAME]\n", argv[0]);
+      std::fprintf(stderr, "usage: %s [--screenshot FILE.png] [--skin NAME] [--effect NAME] [--watch-skins]\n", argv[0]);
       return false;
     }
   }
@@ -93,6 +98,8 @@ int RunViewer(const Options& options) {
     std::fprintf(stderr, "karvelview: the main window cannot be made\n");
     return 1;
   }
+  KarvelView::SkinWatch watch;
+  if (options.watchSkins && !watch.Start(*form)) std::fprintf(stderr, "karvelview: the skins cannot be watched\n");
   if (options.screenshot.empty()) return RunMessageLoop();
 
   PaintOnce(*form);
