@@ -173,7 +173,7 @@ class Checker {
       const CString resolved = ControlType(type);
       if (resolved.IsEmpty()) {
         Add(kBuildFile, XmlRowsDocument::AttributeRow(node, L"type"),
-            Quote(L"type \"%s\" of \"%s\" is no control type the factory makes", type, CXmlDocument::GetNodeName(node)));
+            Formatted(L"type \"%s\" of \"%s\" is no control type the factory makes", type, CXmlDocument::GetNodeName(node)));
         continue;
       }
       AddNode(node, resolved);
@@ -186,7 +186,9 @@ class Checker {
                        CXmlDocument::GetNodeAttribute(node, L"ass")});
   }
 
+  // Without a build file that parses every entry would look unused.
   bool Used(bool css, const CString& type, const CString& name) const {
+    if (!m_build.Root()) return true;
     return std::any_of(m_nodes.begin(), m_nodes.end(),
                        [&](const BuildNode& n) { return n.type == type && (css ? n.css : n.ass) == name; });
   }
@@ -208,7 +210,7 @@ class Checker {
       found = true;
       AddSkin(name, XmlRowsDocument::AttributeRow(item, L"Name"));
     }
-    if (!found) Add(kListFile, root ? XmlRowsDocument::Row(root) : 1, Quote(L"no skin \"%s\" is installed", only));
+    if (!found) Add(kListFile, root ? XmlRowsDocument::Row(root) : 1, Formatted(L"no skin \"%s\" is installed", only));
   }
 
   void AddSkin(const CString& name, int listRow) {
@@ -222,7 +224,7 @@ class Checker {
         break;
       case XmlRowsDocument::kMissing:
         if (listRow > 0)
-          Add(kListFile, listRow, Quote(L"skin \"%s\" has no %s", name, source.file));
+          Add(kListFile, listRow, Formatted(L"skin \"%s\" has no %s", name, source.file));
         else
           Add(source.file, 0, L"is missing: the default skin answers every lookup", true);
         break;
@@ -249,7 +251,7 @@ class Checker {
       else if (name == L"ass")
         CheckAss(skin, section);
       else
-        Add(skin.file, XmlRowsDocument::Row(section), Quote(L"element <%s> is not read (UIRoot holds css and ass)", name));
+        Add(skin.file, XmlRowsDocument::Row(section), Formatted(L"element <%s> is not read (UIRoot holds css and ass)", name));
     }
     CheckBuildEntries(skin);
   }
@@ -261,7 +263,7 @@ class Checker {
       const bool textStyles = type == L"text";
       const SkinConfigPtr probe(textStyles ? nullptr : manager->CreateSkinConfig(type));
       if (!textStyles && !probe) {
-        Add(skin.file, XmlRowsDocument::Row(group), Quote(L"css <%s> is no control type with a skin record", type));
+        Add(skin.file, XmlRowsDocument::Row(group), Formatted(L"css <%s> is no control type with a skin record", type));
         continue;
       }
       const bool madeByBuild = !textStyles && !ControlType(type).IsEmpty();
@@ -282,7 +284,7 @@ class Checker {
         CheckElement(skin, entry, log, textStyles ? CString(L"a text style") : type + L"'s record", nullptr);
         const CString name = CXmlDocument::GetNodeName(entry);
         if (madeByBuild && !Used(true, type, name))
-          Add(skin.file, XmlRowsDocument::Row(entry), Quote(L"css entry \"%s %s\" is used by no build node", type, name));
+          Add(skin.file, XmlRowsDocument::Row(entry), Formatted(L"css entry \"%s %s\" is used by no build node", type, name));
       }
     }
   }
@@ -291,7 +293,7 @@ class Checker {
     for (void* group = CXmlDocument::GetFirstChild(ass); group; group = CXmlDocument::GetNextSibling(group)) {
       const CString type = CXmlDocument::GetNodeName(group);
       if (ControlType(type).IsEmpty()) {
-        Add(skin.file, XmlRowsDocument::Row(group), Quote(L"ass <%s> is no control type the factory makes", type));
+        Add(skin.file, XmlRowsDocument::Row(group), Formatted(L"ass <%s> is no control type the factory makes", type));
         continue;
       }
       for (void* entry = CXmlDocument::GetFirstChild(group); entry; entry = CXmlDocument::GetNextSibling(entry)) {
@@ -306,7 +308,7 @@ class Checker {
         if (layout.m_nStyle == kStyleUnread) CheckStyleKeyword(skin, entry);
         const CString name = CXmlDocument::GetNodeName(entry);
         if (!Used(false, type, name))
-          Add(skin.file, XmlRowsDocument::Row(entry), Quote(L"ass entry \"%s %s\" is used by no build node", type, name));
+          Add(skin.file, XmlRowsDocument::Row(entry), Formatted(L"ass entry \"%s %s\" is used by no build node", type, name));
       }
     }
   }
@@ -318,7 +320,7 @@ class Checker {
       const CString value = CXmlDocument::GetNodeAttribute(entry, key);
       if (value.IsEmpty()) continue;
       Add(skin.file, XmlRowsDocument::AttributeRow(entry, key),
-          Quote(L"value \"%s\" of \"%s\" is no layout keyword", value, key));
+          Formatted(L"value \"%s\" of \"%s\" is no layout keyword", value, key));
       return;
     }
   }
@@ -336,19 +338,19 @@ class Checker {
       const int row = XmlRowsDocument::AttributeRow(element, key);
       const SkinKeyKind* kind = log.Find(element, key);
       if (!kind || *kind == SkinKeyKind::Child) {
-        Add(skin.file, row, Quote(L"\"%s\" is not read by %s (misspelt?)", key, owner));
+        Add(skin.file, row, Formatted(L"\"%s\" is not read by %s (misspelt?)", key, owner));
         continue;
       }
       const CString value = CXmlDocument::GetNodeAttribute(element, key);
       const CString expected = ValueProblem(*kind, value);
       if (!expected.IsEmpty()) {
-        Add(skin.file, row, Quote(L"value \"%s\" of \"%s\" is not ", value, key) + expected);
+        Add(skin.file, row, Formatted(L"value \"%s\" of \"%s\" is not ", value, key) + expected);
         continue;
       }
       std::int32_t v[4] = {};
       if (*kind == SkinKeyKind::SourceRect && facts && facts->width > 0 && ReadInts(value, v, 4) &&
           !(v[0] >= 0 && v[0] <= v[2] && v[2] <= facts->width && v[1] >= 0 && v[1] <= v[3] && v[3] <= facts->height)) {
-        CString message = Quote(L"\"%s\" (%s) leaves its picture", key, value);
+        CString message = Formatted(L"\"%s\" (%s) leaves its picture", key, value);
         message.AppendFormat(L" of %d x %d", facts->width, facts->height);
         Add(skin.file, row, message);
       }
@@ -361,9 +363,9 @@ class Checker {
       const SkinKeyKind* kind = log.Find(element, name);
       const int row = XmlRowsDocument::Row(child);
       if (!kind || *kind != SkinKeyKind::Child)
-        Add(skin.file, row, Quote(L"element <%s> is not read by %s (misspelt?)", name, owner));
+        Add(skin.file, row, Formatted(L"element <%s> is not read by %s (misspelt?)", name, owner));
       else if (seen.PLookup(name))
-        Add(skin.file, row, Quote(L"a second <%s>: only the first is read", name));
+        Add(skin.file, row, Formatted(L"a second <%s>: only the first is read", name));
       else
         CheckElement(skin, child, log, owner, facts);
       seen[name] = 1;
@@ -384,9 +386,9 @@ class Checker {
     const CString file = PictureFile(skin, written);
     const PictureFacts& facts = Facts(Path(file));
     if (!facts.exists)
-      Add(skin.file, row, Quote(L"picture \"%s\" does not exist (%s)", written, file));
+      Add(skin.file, row, Formatted(L"picture \"%s\" does not exist (%s)", written, file));
     else if (!facts.decodes)
-      Add(skin.file, row, Quote(L"picture \"%s\" cannot be decoded (%s)", written, file));
+      Add(skin.file, row, Formatted(L"picture \"%s\" cannot be decoded (%s)", written, file));
     return facts;
   }
 
@@ -428,19 +430,19 @@ class Checker {
         if (name.IsEmpty()) continue;
         const int row = XmlRowsDocument::AttributeRow(node.node, section);
         if (!FindEntry(skin, section, node.type, name) && (isDefault || !FindEntry(DefaultSkin(), section, node.type, name))) {
-          CString message = Quote(L"%s entry \"%s ", section, node.type);
-          message += Quote(L"%s\" of \"%s\" is in neither ", name, node.id) + where;
+          CString message = Formatted(L"%s entry \"%s ", section, node.type);
+          message += Formatted(L"%s\" of \"%s\" is in neither ", name, node.id) + where;
           if (isDefault) message.Replace(L"in neither ", L"not in ");
           Add(kBuildFile, row, message);
         } else if (css && !SkinConfigPtr(CUISkinManager::GetInstance()->CreateSkinConfig(node.type))) {
-          Add(kBuildFile, row, Quote(L"\"%s\" has a css entry, but %s has no skin record", node.id, node.type));
+          Add(kBuildFile, row, Formatted(L"\"%s\" has a css entry, but %s has no skin record", node.id, node.type));
         }
       }
     }
   }
 
   template <typename... Args>
-  static CString Quote(const wchar_t* format, const Args&... args) {
+  static CString Formatted(const wchar_t* format, const Args&... args) {
     CString text;
     text.Format(format, args...);
     return text;
