@@ -8,6 +8,7 @@
 //                                    the sample photos)
 //   karvelview --screenshot FILE     paint the main form off screen into a PNG
 //   karvelview --skin NAME           start with that skin
+//   karvelview --watch-skins         reload the skin whenever its files are saved
 //   karvelview --effect NAME --screenshot FILE
 //                                    the same with one frame of a full-window
 //                                    effect (BandedSwirlEffect) drawn over it
@@ -25,6 +26,7 @@
 #include "PathText.h"
 #include "PhotoView.h"
 #include "Screenshot.h"
+#include "SkinWatch.h"
 #include <karvelui/CommonString.h>
 #include <karvelui/UIManager.h>
 #include <karvelui/MessageQueue.h>
@@ -44,6 +46,7 @@ struct Options {
   CString skin;
   CString effect;  // empty: none
   std::string path;  // empty: the sample photos
+  bool watchSkins = false;
 };
 
 bool HasDisplay() {
@@ -61,12 +64,15 @@ bool ParseOptions(int argc, char** argv, Options& options) {
       options.screenshot = argv[++i];
     } else if (arg == "--skin" && i + 1 < argc) {
       options.skin = CString(argv[++i]);
+    } else if (arg == "--watch-skins") {
+      options.watchSkins = true;
     } else if (arg == "--effect" && i + 1 < argc) {
       options.effect = CString(argv[++i]);
     } else if (arg.rfind("--", 0) != 0 && options.path.empty()) {
       options.path = arg;
     } else {
-      std::fprintf(stderr, "usage: %s [--screenshot FILE.png] [--skin NAME] [--effect NAME] [PATH]\n", argv[0]);
+      std::fprintf(stderr, "usage: %s [--screenshot FILE.png] [--skin NAME] [--effect NAME] [--watch-skins] [PATH]\n",
+                   argv[0]);
       return false;
     }
   }
@@ -109,6 +115,8 @@ int RunViewer(const Options& options) {
   // A picture off screen comes up whole: there is no next frame to finish it in.
   if (!options.screenshot.empty() && form->GetPhotoView()) form->GetPhotoView()->SetProgressiveLoading(FALSE);
   form->OpenPath(options.path.empty() ? strings->GetAppPath() + L"Photos" : KarvelView::LibraryPath(std::filesystem::absolute(options.path).string()));
+  KarvelView::SkinWatch watch;
+  if (options.watchSkins && !watch.Start(*form)) std::fprintf(stderr, "karvelview: the skins cannot be watched\n");
   if (options.screenshot.empty()) return RunMessageLoop();
 
   PaintOnce(*form);

@@ -79,6 +79,11 @@ class KARVELUI_API CUISkinManager {
   int SetSkinFile(const CString& name);
   // Switches skin (names compare without case) and re-skins every form.
   void SetCurrentSkin(const CString& name);
+  // Reads the default and the current skin's files again (after an author
+  // saved them) and re-skins every form as SetCurrentSkin does, so windows
+  // keep their place. 0, and the loaded skin kept, when either file does
+  // not parse.
+  int ReloadSkin();
   CString GetCurrentSkinName() const { return m_strCurrentSkin; }
   int IsThemeChanging() const { return m_bThemeChanging; }
   void ChangeAllFormsSkin();
@@ -89,6 +94,10 @@ class KARVELUI_API CUISkinManager {
   CUIControl* CreateSkinObject(const CString& type);
   // Takes ownership of prototype; a prototype it replaces is not released.
   void RegisterSkinCreateor(const CString& type, _SkinConfig* prototype);
+  // A new record holding type's defaults (a clone of its prototype), or
+  // null when type has none; the caller releases it. For tools that read
+  // skin entries of their own.
+  _SkinConfig* CreateSkinConfig(const CString& type) const;
 
   // out = clone of type's prototype with the css entry read onto it; out
   // stays untouched when css is empty or has no entry.

@@ -25,6 +25,37 @@
 
 namespace KarvelUI {
 
+// What a getter takes a key's value to be. Child names an element asked for
+// (a font, an image, a group); Picture is an image's "File", SourceRect a
+// rectangle of that picture (an image's "Rect", a state, an edge piece).
+// A key may be reported more than once; the later kinds of this list are
+// the more precise (a "File" is a String and a Picture).
+enum class SkinKeyKind {
+  Child, String, Int, Number, Real, Bool, Size, Point, Color, Rect,
+  SourceRect, Picture, FontFace, DockStyle, AnchorStyle,
+};
+
+// Recording mode, for tools that check skins: while a CSkinKeyRecording is
+// alive, every key a reader on the same thread asks for is reported to its
+// recorder, found or not, so a record's Read() tells which keys it knows
+// and what it takes them to be.
+class KARVELUI_API ISkinKeyRecorder {
+ public:
+  virtual ~ISkinKeyRecorder() = default;
+  virtual void OnSkinKey(void* node, const CString& key, SkinKeyKind kind) = 0;
+};
+
+class KARVELUI_API CSkinKeyRecording {
+ public:
+  explicit CSkinKeyRecording(ISkinKeyRecorder& recorder);
+  ~CSkinKeyRecording();  // the recorder before this one is back
+  CSkinKeyRecording(const CSkinKeyRecording&) = delete;
+  CSkinKeyRecording& operator=(const CSkinKeyRecording&) = delete;
+
+ private:
+  ISkinKeyRecorder* m_pPrevious;
+};
+
 class KARVELUI_API CSkinReader {
  public:
   CSkinReader() = default;
@@ -79,6 +110,8 @@ class KARVELUI_API CSkinReader {
   void GetAssData(_AssData* data) const;
 
  private:
+  // Tells the recording, if any, that key was asked for as kind.
+  void Note(const CString& key, SkinKeyKind kind) const;
   int GetStateImages(_ImageConfig* states, const wchar_t* const* keys, int count, const CString& name) const;
 
   void* m_pNode = nullptr;

@@ -183,6 +183,23 @@ void CUISkinManager::SetCurrentSkin(const CString& name) {
   m_bThemeChanging = 0;
 }
 
+int CUISkinManager::ReloadSkin() {
+  auto defaultDoc = std::make_unique<CXmlDocument>();
+  if (!defaultDoc->LoadFile(SkinFile(m_strDefaultSkin))) return 0;
+  std::unique_ptr<CXmlDocument> currentDoc;  // none while the default skin is current
+  if (m_strCurrentSkin.CompareNoCase(m_strDefaultSkin) != 0 && FindSkinItem(m_strCurrentSkin)) {
+    currentDoc = std::make_unique<CXmlDocument>();
+    if (!currentDoc->LoadFile(SkinFile(m_strCurrentSkin))) return 0;
+  }
+  m_pDefaultSkinDoc = std::move(defaultDoc);
+  m_pCurrentSkinDoc = std::move(currentDoc);
+  m_textStyles.RemoveAll();
+  m_bThemeChanging = 1;
+  ChangeAllFormsSkin();
+  m_bThemeChanging = 0;
+  return 1;
+}
+
 void CUISkinManager::ChangeAllFormsSkin() {
   if (s_formsSkinChanger) s_formsSkinChanger();
 }
@@ -237,6 +254,11 @@ void CUISkinManager::RegisterSkinCreateor(const CString& type, _SkinConfig* prot
   SkinConfigPtr& slot = m_prototypes[type];
   (void)slot.release();  // a replaced prototype goes back to whoever still holds it
   slot.reset(prototype);
+}
+
+_SkinConfig* CUISkinManager::CreateSkinConfig(const CString& type) const {
+  const SkinConfigPtr* prototype = m_prototypes.PLookup(type);
+  return prototype && *prototype ? (*prototype)->Clone() : nullptr;
 }
 
 // --- lookups -----------------------------------------------------------------------

@@ -46,9 +46,22 @@ void CopyFaceName(LOGFONTW& font, const CString& face) {
   font.lfFaceName[length] = L'\0';
 }
 
+thread_local ISkinKeyRecorder* t_recorder = nullptr;
+
 }  // namespace
 
+CSkinKeyRecording::CSkinKeyRecording(ISkinKeyRecorder& recorder) : m_pPrevious(t_recorder) {
+  t_recorder = &recorder;
+}
+
+CSkinKeyRecording::~CSkinKeyRecording() { t_recorder = m_pPrevious; }
+
+void CSkinReader::Note(const CString& key, SkinKeyKind kind) const {
+  if (t_recorder && m_pNode) t_recorder->OnSkinKey(m_pNode, key, kind);
+}
+
 int CSkinReader::FindChild(CSkinReader& child, const CString& name) const {
+  Note(name, SkinKeyKind::Child);
   void* node = CXmlDocument::GetFirstChild(m_pNode, name);
   if (!node) return 0;
   child = CSkinReader(node, m_bDefaultSkin);
@@ -60,11 +73,13 @@ CString CSkinReader::TranslatePath(const CString& path) const {
 }
 
 int CSkinReader::GetString(CString& out, const CString& key) const {
+  if (!key.IsEmpty()) Note(key, SkinKeyKind::String);
   out = key.IsEmpty() ? CXmlDocument::GetNodeText(m_pNode) : CXmlDocument::GetNodeAttribute(m_pNode, key);
   return out.IsEmpty() ? 0 : 1;
 }
 
 int CSkinReader::GetInt(int& out, const CString& key) const {
+  Note(key, SkinKeyKind::Int);
   CString text;
   if (!GetString(text, key)) return 0;
   ValueScanner(text).ReadInt(out);
@@ -72,6 +87,7 @@ int CSkinReader::GetInt(int& out, const CString& key) const {
 }
 
 int CSkinReader::GetDWORD(DWORD& out, const CString& key) const {
+  Note(key, SkinKeyKind::Number);
   CString text;
   if (!GetString(text, key)) return 0;
   std::int32_t value = 0;
@@ -80,6 +96,7 @@ int CSkinReader::GetDWORD(DWORD& out, const CString& key) const {
 }
 
 int CSkinReader::GetReal(float& out, const CString& key) const {
+  Note(key, SkinKeyKind::Real);
   CString text;
   if (!GetString(text, key)) return 0;
   ValueScanner(text).ReadFloat(out);
@@ -87,6 +104,7 @@ int CSkinReader::GetReal(float& out, const CString& key) const {
 }
 
 int CSkinReader::GetBool(int& out, const CString& key) const {
+  Note(key, SkinKeyKind::Bool);
   CString text;
   if (!GetString(text, key)) return 0;
   if (text.CompareNoCase(L"T") == 0 || text.CompareNoCase(L"true") == 0) {
@@ -101,6 +119,7 @@ int CSkinReader::GetBool(int& out, const CString& key) const {
 }
 
 int CSkinReader::GetSize(CSize& out, const CString& key) const {
+  Note(key, SkinKeyKind::Size);
   CString text;
   if (!GetString(text, key)) return 0;
   std::int32_t values[2] = {out.cx, out.cy};  // components not reached stay as they were
@@ -110,6 +129,7 @@ int CSkinReader::GetSize(CSize& out, const CString& key) const {
 }
 
 int CSkinReader::GetPoint(CPoint& out, const CString& key) const {
+  Note(key, SkinKeyKind::Point);
   CString text;
   if (!GetString(text, key)) return 0;
   std::int32_t values[2] = {};
@@ -119,6 +139,7 @@ int CSkinReader::GetPoint(CPoint& out, const CString& key) const {
 }
 
 int CSkinReader::GetColor(DWORD& out, const CString& key) const {
+  Note(key, SkinKeyKind::Color);
   CString text;
   if (!GetString(text, key)) return 0;
   std::int32_t rgb[3] = {};
@@ -129,6 +150,7 @@ int CSkinReader::GetColor(DWORD& out, const CString& key) const {
 }
 
 int CSkinReader::GetRect(CRect& out, const CString& key, int absolute) const {
+  Note(key, SkinKeyKind::Rect);
   CString text;
   if (!GetString(text, key)) return 0;
   std::int32_t v[4] = {};
@@ -141,6 +163,7 @@ int CSkinReader::GetRect(CRect& out, const CString& key, int absolute) const {
 }
 
 int CSkinReader::GetEdge(CEdge& edge) const {
+  for (const wchar_t* piece : {L"left", L"mid", L"right"}) Note(piece, SkinKeyKind::SourceRect);
   GetRect(edge.left, L"left", 1);
   GetRect(edge.mid, L"mid", 1);
   GetRect(edge.right, L"right", 1);
@@ -157,6 +180,7 @@ int CSkinReader::GetFont(LOGFONTW& font, DWORD& color, const CString& name) cons
 void CSkinReader::GetFontKeys(LOGFONTW& font, DWORD& color) const {
   GetColor(color, L"TextColor");
   CString face;
+  Note(L"FontFace", SkinKeyKind::FontFace);
   if (GetString(face, L"FontFace")) CopyFaceName(font, face);
   int size = 0;
   if (GetInt(size, L"FontSize")) font.lfHeight = size;
@@ -168,10 +192,12 @@ int CSkinReader::GetImage(_ImageConfig& image, const CString& name) const {
   CSkinReader child;
   if (!FindChild(child, name)) return 0;
   CString file;
+  child.Note(L"File", SkinKeyKind::Picture);
   if (!child.GetString(file, L"File")) return 0;
   const CString path = child.TranslatePath(file);
   if (!path.IsEmpty()) image.m_strFile = path;
   CRect source;
+  child.Note(L"Rect", SkinKeyKind::SourceRect);
   if (child.GetRect(source, L"Rect", 1)) image.m_rcSrc = source;
   child.GetDWORD(image.m_dwColor, L"Color");
   return 1;
@@ -213,10 +239,12 @@ int CSkinReader::GetStateImages(_ImageConfig* states, const wchar_t* const* keys
   CSkinReader child;
   if (!FindChild(child, name)) return 0;
   CString file;
+  child.Note(L"File", SkinKeyKind::Picture);
   if (!child.GetString(file, L"File")) return 0;
   const CString path = child.TranslatePath(file);
   for (int i = 0; i < count; ++i) {
     CRect source;
+    child.Note(keys[i], SkinKeyKind::SourceRect);
     if (!child.GetRect(source, keys[i], 1)) continue;
     if (!path.IsEmpty()) states[i].LoadImageW(path);
     states[i].m_rcSrc = source;
@@ -238,10 +266,13 @@ void CSkinReader::GetAssData(_AssData* data) const {
   if (GetString(text, L"TipID")) data->m_strTipID = text;
   if (GetString(text, L"StrID")) data->m_strStrID = text;
   GetRect(data->m_rcMargin, L"Margin", 1);
-  if (GetString(text, L"DockStyle"))
+  Note(L"DockStyle", SkinKeyKind::DockStyle);
+  if (GetString(text, L"DockStyle")) {
     ApplyStyleKeyword(text, kDockStyles, data->m_nStyle);
-  else if (GetString(text, L"AnchorStyle"))
-    ApplyStyleKeyword(text, kAnchorStyles, data->m_nStyle);
+  } else {
+    Note(L"AnchorStyle", SkinKeyKind::AnchorStyle);
+    if (GetString(text, L"AnchorStyle")) ApplyStyleKeyword(text, kAnchorStyles, data->m_nStyle);
+  }
   GetRect(data->m_rcBounds, L"Bounds", 0);
   GetBool(data->m_bAllowSize, L"AllowSize");
 }

@@ -104,6 +104,11 @@ bool ValueScanner::ReadSeparator() {
   return true;
 }
 
+bool ValueScanner::AtEnd() {
+  SkipSpace();
+  return *m_at == L'\0';
+}
+
 int ValueScanner::ReadIntList(const wchar_t* text, std::int32_t* values, int count) {
   ValueScanner scanner(text);
   int read = 0;

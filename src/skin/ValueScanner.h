@@ -29,6 +29,8 @@ class ValueScanner {
   bool ReadFloat(float& value);
   // The ", " between list items: ',' exactly, then optional white space.
   bool ReadSeparator();
+  // Nothing but white space is left (a value a checker calls well formed).
+  bool AtEnd();
 
   // "%d, %d, ..." into values[0..count); the number of values read.
   static int ReadIntList(const wchar_t* text, std::int32_t* values, int count);
