@@ -1,10 +1,13 @@
 #include "MainForm.h"
 
+#include <fstream>
+
 #include <karvelui/CommonString.h>
 #include <karvelui/Input.h>
 #include <karvelui/SkinManager.h>
 #include <karvelui/UIButton.h>
 #include <karvelui/UILabel.h>
+#include <karvelui/UIList.h>
 #include <karvelui/UISlider.h>
 
 using namespace KarvelUI;
@@ -28,6 +31,10 @@ bool CMainForm::Open() {
   const DWORD style = WS_POPUP | WS_THICKFRAME | WS_SYSMENU | WS_MINIMIZEBOX | WS_MAXIMIZEBOX;
   if (!Create(style, L"KarvelViewMainForm", title, nullptr, 0, CRect(0, 0, 960, 640))) return false;
   FindControls();
+  m_strip = std::make_unique<CFolderStrip>(
+      *this, dynamic_cast<CUIList*>(FindControlRecusive(L"ThumbList")),
+      [this](const CString& path, const std::vector<CString>& ahead) { ShowPicture(path, ahead); },
+      [this](const CString& text) { ShowStatus(text); });
   ListenEvent(UI_EVENT_CLICK, MakeDelegate(this, &CMainForm::OnButtonClick));
   ListenEvent(UI_EVENT_SLIDER_CHANGED, MakeDelegate(this, &CMainForm::OnZoomChanged));
   for (const wchar_t* id : kToolButtons)
@@ -65,6 +72,10 @@ void CMainForm::PlaceZoomThumb() {
 void CMainForm::OnButtonClick(CUIControl* sender, void*) {
   if (!sender) return;
   if (sender->GetObjectID() == L"btnSkin") SwitchSkin();
+  if (sender->GetObjectID() == L"btnPrev" || sender->GetObjectID() == L"btnNext") {
+    m_strip->Move(sender->GetObjectID() == L"btnPrev" ? -1 : 1);
+    return;  // the new selection writes the status
+  }
   // The picture view comes later; until then the status line says what was asked.
   ShowStatus(sender->GetTooltipText());
 }
@@ -99,6 +110,7 @@ void CMainForm::ShowStatus(const CString& action) {
   if (!action.IsEmpty()) line = action + L"  |  " + line;
   m_status->SetText(line, FALSE);
   m_status->Refresh();
+  if (!m_statusFile.empty()) std::ofstream(m_statusFile, std::ios::app) << line.ToUtf8() << '\n';
 }
 
 // --- keyboard --------------------------------------------------------------------------------
@@ -106,6 +118,13 @@ void CMainForm::ShowStatus(const CString& action) {
 CUIButton* CMainForm::FocusedButton() { return dynamic_cast<CUIButton*>(GetKeyFocusControl()); }
 
 LRESULT CMainForm::WindowProc(UINT message, WPARAM wParam, LPARAM lParam) {
+  if (message == WM_DROPFILES && m_strip) {
+    m_strip->OpenDrop(reinterpret_cast<void*>(wParam));
+    return 0;
+  }
+  // The strip's keys work wherever the keyboard focus is (the form sends
+  // keys only to a focused control).
+  if ((message == WM_KEYDOWN || message == WM_KEYUP) && m_strip && m_strip->OnKey(message, static_cast<UINT>(wParam))) return 0;
   const bool tab = message == WM_KEYDOWN && wParam == static_cast<WPARAM>(VK_TAB);
   const LRESULT result = CUIForm::WindowProc(message, wParam, lParam);
   // The form shows a newly focused button in its hover state; the viewer

@@ -7,7 +7,13 @@
 // buttons, Space and Enter press the focused one. Closing the window ends
 // the program.
 
+#include <memory>
+#include <string>
+#include <vector>
+
 #include <karvelui/UIForm.h>
+
+#include "FolderStrip.h"
 
 namespace KarvelUI {
 class CUIButton;
@@ -26,6 +32,13 @@ class CMainForm : public KarvelUI::CUIForm {
   // The tool bar's picture buttons, in tab order.
   static constexpr const wchar_t* kToolButtons[] = {L"btnPrev", L"btnNext", L"btnRotateLeft", L"btnRotateRight",
                                                     L"btnFit", L"btnActualSize", L"btnSkin"};
+
+  // Shows a picture; `ahead` (the previous and next ones) is decoded meanwhile.
+  void ShowPicture(const KarvelUI::CString& path, const std::vector<KarvelUI::CString>& ahead);
+  // The film strip (never null once opened).
+  CFolderStrip* GetStrip() const { return m_strip.get(); }
+  // Also appended to this file (native path) when set, for scripted checks.
+  void SetStatusFile(const std::string& file) { m_statusFile = file; }
 
   void OnSkinChanged() override;
   KarvelUI::LRESULT WindowProc(KarvelUI::UINT message, KarvelUI::WPARAM wParam, KarvelUI::LPARAM lParam) override;
@@ -50,6 +63,8 @@ class CMainForm : public KarvelUI::CUIForm {
   KarvelUI::CUISlider* m_zoom = nullptr;
   KarvelUI::CUILabel* m_status = nullptr;
   int m_zoomPercent = 100;
+  std::unique_ptr<CFolderStrip> m_strip;
+  std::string m_statusFile;
 };
 
 }  // namespace KarvelView

@@ -2,7 +2,11 @@
 // calls every host makes: the device object, the string table, the skin
 // data, the main form, the message loop, and the singletons freed at the end.
 //
-//   karvelview                       a window (or a screenshot without a display)
+//   karvelview [FOLDER or FILE]      a window showing the folder's pictures in
+//                                    the film strip, the file selected (the
+//                                    bundled photos when none is given); a
+//                                    screenshot without a display
+//   karvelview --status-file FILE    also appends every status line to FILE
 //   karvelview --screenshot FILE     paint the main form off screen into a PNG
 //   karvelview --skin NAME           start with that skin
 //   karvelview --effect NAME --screenshot FILE
@@ -14,7 +18,9 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <chrono>
 #include <cstring>
+#include <filesystem>
 #include <string>
 
 #include "MainForm.h"
@@ -37,7 +43,17 @@ struct Options {
   std::string screenshot;  // empty: windowed
   CString skin;
   CString effect;  // empty: none
+  CString open;    // folder or file; empty: the bundled photos
+  std::string statusFile;
 };
+
+// A native path as the library writes paths (backslashes).
+CString LibraryPath(const std::string& native) {
+  std::string text = std::filesystem::absolute(native).lexically_normal().string();
+  for (char& c : text)
+    if (c == '/') c = '\\';
+  return CString(text.c_str());
+}
 
 bool HasDisplay() {
   for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY"}) {
@@ -56,8 +72,15 @@ bool ParseOptions(int argc, char** argv, Options& options) {
       options.skin = CString(argv[++i]);
     } else if (arg == "--effect" && i + 1 < argc) {
       options.effect = CString(argv[++i]);
+    } else if (arg == "--status-file" && i + 1 < argc) {
+      options.statusFile = argv[++i];
+    } else if (!arg.empty() && arg[0] != '-' && options.open.IsEmpty()) {
+      options.open = LibraryPath(arg);
     } else {
-      std::fprintf(stderr, "usage: %s [--screenshot FILE.png] [--skin NAME] [--effect NAME]\n", argv[0]);
+      std::fprintf(stderr,
+                   "usage: %s [FOLDER or FILE] [--screenshot FILE.png] [--skin NAME] [--effect NAME]"
+                   " [--status-file FILE]\n",
+                   argv[0]);
       return false;
     }
   }
@@ -68,11 +91,25 @@ bool ParseOptions(int argc, char** argv, Options& options) {
   return true;
 }
 
-// Lets the form paint everything it has been asked to, then one frame more.
-void PaintOnce(KarvelView::CMainForm& form) {
+constexpr auto kSettleTimeout = std::chrono::seconds(20);
+constexpr DWORD kWaitSliceMs = 10;
+
+void PumpPending() {
   MSG msg;
   while (PeekMessageW(&msg, nullptr, 0, 0, PM_REMOVE))
     if (!WalkPreTranslateTree(&msg)) DispatchMessageW(&msg);
+}
+
+// Lets the form paint everything it has been asked to and the strip show
+// its thumbnails and come to rest (within a time limit), then one frame more.
+void PaintOnce(KarvelView::CMainForm& form) {
+  const auto end = std::chrono::steady_clock::now() + kSettleTimeout;
+  PumpPending();
+  while (!form.GetStrip()->IsSettled() && std::chrono::steady_clock::now() < end) {
+    WaitMessage(kWaitSliceMs);
+    PumpPending();
+  }
+  PumpPending();
   form.OnPaint(0);
 }
 
@@ -93,6 +130,8 @@ int RunViewer(const Options& options) {
     std::fprintf(stderr, "karvelview: the main window cannot be made\n");
     return 1;
   }
+  form->SetStatusFile(options.statusFile);
+  form->GetStrip()->Open(options.open.IsEmpty() ? strings->GetAppPath() + L"Photos" : options.open);
   if (options.screenshot.empty()) return RunMessageLoop();
 
   PaintOnce(*form);
@@ -101,6 +140,7 @@ int RunViewer(const Options& options) {
     std::fprintf(stderr, "karvelview: no effect %s (see the trace log)\n", options.effect.ToUtf8().c_str());
     return 1;
   }
+  std::printf("karvelview: strip: %s\n", form->GetStrip()->Summary().ToUtf8().c_str());
   const bool written = KarvelView::WriteScreenshot(*form->GetRenderDevice(), options.screenshot);
   form->Release();
   if (!written) {
