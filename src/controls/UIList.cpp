@@ -204,10 +204,6 @@ int CUIList::AddItem(UIItemInfo* item, int refresh) {
 int CUIList::InsertItem(UIItemInfo* item, const unsigned& index, int refresh) {
   _ListConfig* config = GetListConfig();
   if (!config || !item || index > m_items.size()) return 0;
-  {
-    std::lock_guard lock(m_itemsMutex);
-    m_items.insert(m_items.begin() + index, item);
-  }
   item->m_pList = this;
   item->m_size = config->m_szItem;
   item->m_rcPadding = config->m_rcItemPadding;
@@ -219,6 +215,11 @@ int CUIList::InsertItem(UIItemInfo* item, const unsigned& index, int refresh) {
   CUIForm* form = GetOwnerForm();
   item->m_pThumbnail->SetRenderDevice(form ? form->GetRenderDevice() : nullptr);
   item->m_pForm = form;
+  {
+    // Set up before the worker can see it.
+    std::lock_guard lock(m_itemsMutex);
+    m_items.insert(m_items.begin() + index, item);
+  }
   // Both indices keep naming the same item.
   const int count = static_cast<int>(m_items.size());
   const int at = static_cast<int>(index);

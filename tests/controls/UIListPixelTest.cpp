@@ -23,6 +23,10 @@ constexpr DWORD kColours[kPictures] = {0xFFFFFF00, 0xFF00FFFF, 0xFF00FF00, 0xFFF
                                        0xFF0000FF, 0xFFFF00FF, 0xFFFFFFFF};
 
 class UIListPixelTest : public FrameworkTest {
+ public:
+  // The event's integer is its handler's.
+  void FreeIndex(CUIControl*, void* index) { delete static_cast<int*>(index); }
+
  protected:
   void SetUp() override {
     FrameworkTest::SetUp();
@@ -58,6 +62,7 @@ TEST_F(UIListPixelTest, TheLoadedSelectionIsDrawnLargerThanItsNeighboursWithItsR
   ASSERT_TRUE(form->Create(WS_POPUP | WS_VISIBLE, L"KarvelListPixels", L"", nullptr, 0, CRect(0, 0, 10, 10)));
   auto* list = dynamic_cast<CUIList*>(form->FindControlRecusive(L"Strip"));
   ASSERT_NE(list, nullptr);
+  form->ListenEvent(UI_EVENT_LIST_THUMB_LOADED, MakeDelegate(this, &UIListPixelTest::FreeIndex));
   for (int i = 0; i < kPictures; ++i) {
     const DWORD colour = kColours[i];
     auto* item = new UIItemInfo();
