@@ -17,6 +17,7 @@
 #include "ImageFiles.h"
 #include "MenuPicture.h"
 #include "Photos.h"
+#include "StripPicture.h"
 
 namespace fs = std::filesystem;
 using namespace skingen;
@@ -85,6 +86,18 @@ bool WriteMenu(const fs::path& assets, const char* skin, const MenuColours& colo
   return true;
 }
 
+// The strip's halo in each skin's accent, cards in its band colours.
+constexpr StripColours kGraphiteStrip{0xFFE8A33D, 0xFF2B2E33, 0xFF474C55};
+constexpr StripColours kOceanStrip{0xFF3FC1E8, 0xFF123A5C, 0xFF2470A6};
+
+bool WriteStrip(const fs::path& assets, const char* skin, const StripColours& colours) {
+  const fs::path images = assets / "Theme" / skin / "images";
+  if (!MakeFolder(images) || !SavePng(DrawStripPicture(colours), images / "Strip.png")) return false;
+  std::cout << "Theme/" << skin << "/KarvelView.xml, css CUIList ThumbList:\n";
+  WriteStripImageElements(std::cout, "Strip.png");
+  return true;
+}
+
 struct Photo {
   const char* name;
   std::function<Canvas()> draw;
@@ -116,6 +129,7 @@ int main(int argc, char** argv) {
   const bool written = WriteSkin(assets, "Default", kGraphite, kGraphiteControls) &&
                        WriteSkin(assets, "Ocean", kOcean, kOceanControls) &&
                        WriteMenu(assets, "Default", kGraphiteMenu) && WriteMenu(assets, "Ocean", kOceanMenu) &&
+                       WriteStrip(assets, "Default", kGraphiteStrip) && WriteStrip(assets, "Ocean", kOceanStrip) &&
                        WritePhotos(assets / "Photos");
   return written ? 0 : 1;
 }

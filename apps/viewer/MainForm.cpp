@@ -1,6 +1,7 @@
 #include "MainForm.h"
 
 #include <algorithm>
+#include <fstream>
 
 #include "ContextMenu.h"
 #include "PhotoView.h"
@@ -9,6 +10,7 @@
 #include <karvelui/SkinManager.h>
 #include <karvelui/UIButton.h>
 #include <karvelui/UILabel.h>
+#include <karvelui/UIList.h>
 #include <karvelui/UISlider.h>
 
 using namespace KarvelUI;
@@ -37,6 +39,10 @@ bool CMainForm::Open() {
   const DWORD style = WS_POPUP | WS_THICKFRAME | WS_SYSMENU | WS_MINIMIZEBOX | WS_MAXIMIZEBOX;
   if (!Create(style, L"KarvelViewMainForm", title, nullptr, 0, CRect(0, 0, 960, 640))) return false;
   FindControls();
+  m_strip = std::make_unique<CFolderStrip>(
+      *this, dynamic_cast<CUIList*>(FindControlRecusive(L"ThumbList")),
+      [this](const CString& path, const std::vector<CString>& ahead) { ShowPicture(path, ahead); },
+      [this](const CString& text) { ShowStatus(text); });
   ListenEvent(UI_EVENT_CLICK, MakeDelegate(this, &CMainForm::OnButtonClick));
   ListenEvent(UI_EVENT_SLIDER_CHANGED, MakeDelegate(this, &CMainForm::OnZoomChanged));
   ListenEvent(kZoomChangedEvent, MakeDelegate(this, &CMainForm::OnViewZoomed));
@@ -130,6 +136,7 @@ void CMainForm::ShowStatus(const CString& action) {
   if (!action.IsEmpty()) line = action + L"  |  " + line;
   m_status->SetText(line, FALSE);
   m_status->Refresh();
+  if (!m_statusFile.empty()) std::ofstream(m_statusFile, std::ios::app) << line.ToUtf8() << '\n';
 }
 
 // --- keyboard --------------------------------------------------------------------------------
@@ -137,6 +144,10 @@ void CMainForm::ShowStatus(const CString& action) {
 CUIButton* CMainForm::FocusedButton() { return dynamic_cast<CUIButton*>(GetKeyFocusControl()); }
 
 LRESULT CMainForm::WindowProc(UINT message, WPARAM wParam, LPARAM lParam) {
+  if (message == WM_DROPFILES && m_strip) {
+    m_strip->OpenDrop(reinterpret_cast<void*>(wParam));
+    return 0;
+  }
   if (message == WM_KEYDOWN && !IsClosing()) {
     if (wParam == kMenuKey) {
       CPoint centre = m_view ? m_view->GetBounds().CenterPoint() : GetBounds().CenterPoint();
@@ -149,6 +160,10 @@ LRESULT CMainForm::WindowProc(UINT message, WPARAM wParam, LPARAM lParam) {
     if (m_view && m_view->OnKeyMessage(message, static_cast<UINT>(wParam), LOWORD(lParam), HIWORD(lParam)))
       return 1;
   }
+  // The strip's keys work wherever the keyboard focus is (the form sends
+  // keys only to a focused control).
+  if ((message == WM_KEYDOWN || message == WM_KEYUP) && m_strip && m_strip->OnKey(message, static_cast<UINT>(wParam)))
+    return 0;
   const bool tab = message == WM_KEYDOWN && wParam == static_cast<WPARAM>(VK_TAB);
   const LRESULT result = CUIForm::WindowProc(message, wParam, lParam);
   // The form shows a newly focused button in its hover state; the viewer

@@ -10,10 +10,13 @@
 // the window ends the program.
 
 #include <memory>
+#include <string>
 #include <vector>
 
 #include <karvelui/SwirlTransition.h>
 #include <karvelui/UIForm.h>
+
+#include "FolderStrip.h"
 
 namespace KarvelUI {
 class CUIButton;
@@ -72,6 +75,10 @@ class CMainForm : public KarvelUI::CUIForm {
   CPhotoView* GetPhotoView() const { return m_view; }
   KarvelUI::CString GetShownPath() const;
   KarvelUI::CSwirlTransition& GetSwirl() { return m_swirl; }
+  // The film strip (never null once opened).
+  CFolderStrip* GetStrip() const { return m_strip.get(); }
+  // Also appended to this file (native path) when set, for scripted checks.
+  void SetStatusFile(const std::string& file) { m_statusFile = file; }
 
   void OnSkinChanged() override;
   KarvelUI::LRESULT WindowProc(KarvelUI::UINT message, KarvelUI::WPARAM wParam, KarvelUI::LPARAM lParam) override;
@@ -107,6 +114,8 @@ class CMainForm : public KarvelUI::CUIForm {
   bool m_loadFailed = false;
   std::unique_ptr<CContextMenu> m_menu;
   KarvelUI::CSwirlTransition m_swirl;
+  std::unique_ptr<CFolderStrip> m_strip;
+  std::string m_statusFile;
 };
 
 }  // namespace KarvelView

@@ -2,10 +2,11 @@
 // calls every host makes: the device object, the string table, the skin
 // data, the main form, the message loop, and the singletons freed at the end.
 //
-//   karvelview [PATH]                a window (or a screenshot without a display)
-//                                    showing the pictures of the folder PATH, or
-//                                    of the folder of the picture PATH (default:
-//                                    the sample photos)
+//   karvelview [FOLDER or FILE]      a window showing the folder's pictures in
+//                                    the film strip, the file selected (the
+//                                    bundled photos when none is given); a
+//                                    screenshot without a display
+//   karvelview --status-file FILE    also appends every status line to FILE
 //   karvelview --screenshot FILE     paint the main form off screen into a PNG
 //   karvelview --skin NAME           start with that skin
 //   karvelview --watch-skins         reload the skin whenever its files are saved
@@ -18,6 +19,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <chrono>
 #include <cstring>
 #include <filesystem>
 #include <string>
@@ -45,7 +47,8 @@ struct Options {
   std::string screenshot;  // empty: windowed
   CString skin;
   CString effect;  // empty: none
-  std::string path;  // empty: the sample photos
+  CString open;    // folder or file; empty: the bundled photos
+  std::string statusFile;
   bool watchSkins = false;
 };
 
@@ -68,10 +71,14 @@ bool ParseOptions(int argc, char** argv, Options& options) {
       options.watchSkins = true;
     } else if (arg == "--effect" && i + 1 < argc) {
       options.effect = CString(argv[++i]);
-    } else if (arg.rfind("--", 0) != 0 && options.path.empty()) {
-      options.path = arg;
+    } else if (arg == "--status-file" && i + 1 < argc) {
+      options.statusFile = argv[++i];
+    } else if (!arg.empty() && arg[0] != '-' && options.open.IsEmpty()) {
+      options.open = LibraryPath(std::filesystem::absolute(arg).lexically_normal().string());
     } else {
-      std::fprintf(stderr, "usage: %s [--screenshot FILE.png] [--skin NAME] [--effect NAME] [--watch-skins] [PATH]\n",
+      std::fprintf(stderr,
+                   "usage: %s [FOLDER or FILE] [--screenshot FILE.png] [--skin NAME] [--effect NAME]"
+                   " [--status-file FILE] [--watch-skins]\n",
                    argv[0]);
       return false;
     }
@@ -83,13 +90,27 @@ bool ParseOptions(int argc, char** argv, Options& options) {
   return true;
 }
 
-// Lets the form paint everything it has been asked to, then one frame more;
-// twice, because the first frame of a picture tells the status line its size.
+constexpr auto kSettleTimeout = std::chrono::seconds(20);
+constexpr DWORD kWaitSliceMs = 10;
+
+void PumpPending() {
+  MSG msg;
+  while (PeekMessageW(&msg, nullptr, 0, 0, PM_REMOVE))
+    if (!WalkPreTranslateTree(&msg)) DispatchMessageW(&msg);
+}
+
+// Lets the form paint everything it has been asked to and the strip show
+// its thumbnails and come to rest (within a time limit), then one frame more.
 void PaintOnce(KarvelView::CMainForm& form) {
+  const auto end = std::chrono::steady_clock::now() + kSettleTimeout;
+  PumpPending();
+  while (!form.GetStrip()->IsSettled() && std::chrono::steady_clock::now() < end) {
+    WaitMessage(kWaitSliceMs);
+    PumpPending();
+  }
+  // Twice: the first frame of a picture tells the status line its size.
   for (int round = 0; round < 2; ++round) {
-    MSG msg;
-    while (PeekMessageW(&msg, nullptr, 0, 0, PM_REMOVE))
-      if (!WalkPreTranslateTree(&msg)) DispatchMessageW(&msg);
+    PumpPending();
     form.OnPaint(0);
   }
 }
@@ -114,7 +135,8 @@ int RunViewer(const Options& options) {
   }
   // A picture off screen comes up whole: there is no next frame to finish it in.
   if (!options.screenshot.empty() && form->GetPhotoView()) form->GetPhotoView()->SetProgressiveLoading(FALSE);
-  form->OpenPath(options.path.empty() ? strings->GetAppPath() + L"Photos" : KarvelView::LibraryPath(std::filesystem::absolute(options.path).string()));
+  form->SetStatusFile(options.statusFile);
+  form->OpenPath(options.open.IsEmpty() ? strings->GetAppPath() + L"Photos" : options.open);
   KarvelView::SkinWatch watch;
   if (options.watchSkins && !watch.Start(*form)) std::fprintf(stderr, "karvelview: the skins cannot be watched\n");
   if (options.screenshot.empty()) return RunMessageLoop();
@@ -125,6 +147,7 @@ int RunViewer(const Options& options) {
     std::fprintf(stderr, "karvelview: no effect %s (see the trace log)\n", options.effect.ToUtf8().c_str());
     return 1;
   }
+  std::printf("karvelview: strip: %s\n", form->GetStrip()->Summary().ToUtf8().c_str());
   const bool written = KarvelView::WriteScreenshot(*form->GetRenderDevice(), options.screenshot);
   form->Release();
   if (!written) {

@@ -10,6 +10,7 @@
 #include <karvelui/UIForm.h>
 #include <karvelui/UIImageBase.h>
 #include <karvelui/UILabel.h>
+#include <karvelui/UIList.h>
 #include <karvelui/UIMenu.h>
 #include <karvelui/UIManager.h>
 #include <karvelui/UIPanel.h>
@@ -30,6 +31,7 @@ CUIControl* CreateBuiltInControl(const CString& type) {
   if (type == L"CUIBottomPanel") return new CUIBottomPanel();
   if (type == L"CUISlider") return new CUISlider();
   if (type == L"CUIImageBase") return new CUIImageBase();
+  if (type == L"CUIList") return new CUIList();
   return nullptr;
 }
 
@@ -44,6 +46,7 @@ void RegisterBuiltIns(CUISkinManager& manager) {
   manager.RegisterSkinCreateor(L"CUIPanel", new _PanelConfig());
   manager.RegisterSkinCreateor(L"CUISlider", new _SliderConfig());
   manager.RegisterSkinCreateor(L"CUIImageBase", new _UIImageBaseConfig());
+  manager.RegisterSkinCreateor(L"CUIList", new _ListConfig());
 }
 
 struct BuiltInInstaller {

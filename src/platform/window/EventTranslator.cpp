@@ -5,6 +5,8 @@
 #include <cstdlib>
 #include <string>
 
+#include <karvelui/DragDrop.h>
+#include "platform/Paths.h"
 #include "platform/window/KeyMap.h"
 #include "platform/window/MoveSize.h"
 #include "platform/window/X11Desktop.h"
@@ -145,8 +147,31 @@ class DesktopEventSource final : public IEventSource {
       case SDL_KEYUP: OnKey(event.key); break;
       case SDL_TEXTINPUT: OnText(event.text); break;
       case SDL_WINDOWEVENT: OnWindowEvent(event.window); break;
+      case SDL_DROPBEGIN:
+      case SDL_DROPFILE:
+      case SDL_DROPCOMPLETE: OnDrop(event.drop); break;
       default: break;
     }
+  }
+
+  // One WM_DROPFILES per drop: the files between SDL's begin and complete
+  // (a file outside such a pair is a drop of its own).
+  void OnDrop(const SDL_DropEvent& e) {
+    if (e.type == SDL_DROPBEGIN) {
+      m_dropping = true;
+      m_dropFiles.clear();
+      return;
+    }
+    if (e.type == SDL_DROPFILE && e.file) {
+      m_dropFiles.push_back(FromNativePath(e.file));
+      SDL_free(e.file);
+      if (m_dropping) return;
+    }
+    m_dropping = false;
+    const HWND hwnd = HwndFromSdlWindowId(e.windowID);
+    if (!m_dropFiles.empty() && StateOf(hwnd))
+      PostInput(hwnd, WM_DROPFILES, reinterpret_cast<WPARAM>(CreateDropFiles(m_dropFiles)), 0);
+    m_dropFiles.clear();
   }
 
   // Screen position of a point SDL reports relative to one of our windows.
@@ -379,6 +404,8 @@ class DesktopEventSource final : public IEventSource {
   }
 
   MoveSizeLoop m_moveSize;
+  std::vector<CString> m_dropFiles;  // the drop being delivered
+  bool m_dropping = false;
   std::atomic<Uint32> m_wakeType{static_cast<Uint32>(-1)};
   std::atomic<bool> m_wakePending{false};
 };

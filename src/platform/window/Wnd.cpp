@@ -3,6 +3,7 @@
 
 #include <karvelui/Wnd.h>
 
+#include <karvelui/DragDrop.h>
 #include <karvelui/Input.h>
 #include "platform/window/NativeWindow.h"
 #include "platform/window/WindowRegistry.h"
@@ -300,6 +301,7 @@ LRESULT CWnd::DefWindowProc(UINT message, WPARAM wParam, LPARAM lParam) {
   if (!m_state) return 0;
   switch (message) {
     case WM_CLOSE: DestroyWindow(); return 0;
+    case WM_DROPFILES: DragFinish(reinterpret_cast<HDROP>(wParam)); return 0;
     case WM_PAINT: {
       PAINTSTRUCT ps;
       BeginPaint(&ps);
