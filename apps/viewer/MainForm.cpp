@@ -203,3 +203,15 @@ int CMainForm::OnKeyMessage(UINT message, UINT wParam, UINT, UINT) {
 }
 
 }  // namespace KarvelView
+
+namespace KarvelView {
+
+void CMainForm::OpenPath(const KarvelUI::CString& path) {
+  if (m_strip) m_strip->Open(path);  // it tells the status line when it cannot
+}
+
+void CMainForm::StepPicture(int direction) {
+  if (m_strip) m_strip->Move(direction);
+}
+
+}  // namespace KarvelView

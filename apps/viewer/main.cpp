@@ -74,7 +74,7 @@ bool ParseOptions(int argc, char** argv, Options& options) {
     } else if (arg == "--status-file" && i + 1 < argc) {
       options.statusFile = argv[++i];
     } else if (!arg.empty() && arg[0] != '-' && options.open.IsEmpty()) {
-      options.open = LibraryPath(std::filesystem::absolute(arg).lexically_normal().string());
+      options.open = KarvelView::LibraryPath(std::filesystem::absolute(arg).lexically_normal().string());
     } else {
       std::fprintf(stderr,
                    "usage: %s [FOLDER or FILE] [--screenshot FILE.png] [--skin NAME] [--effect NAME]"
