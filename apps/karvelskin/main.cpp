@@ -17,7 +17,9 @@
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
+#include <map>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "Picture.h"
@@ -26,7 +28,13 @@
 #include <karvelui/DXCore.h>
 #include <karvelui/SkinChecker.h>
 #include <karvelui/SkinManager.h>
+#include <karvelui/UIButton.h>
+#include <karvelui/UIImageBase.h>
+#include <karvelui/UILabel.h>
+#include <karvelui/UIList.h>
 #include <karvelui/UIManager.h>
+#include <karvelui/UIPanel.h>
+#include <karvelui/UISlider.h>
 
 using namespace KarvelUI;
 using namespace KarvelSkin;
@@ -39,13 +47,14 @@ constexpr int kContactCellWidth = 480;
 
 struct Arguments {
   std::string command, theme, skin, form, out;
+  std::vector<std::pair<std::string, std::string>> hostTypes;  // --type NAME=BUILTIN
   int width = 0, height = 0;
   bool menu = false, all = false;
 };
 
 void PrintUsage() {
   std::fprintf(stderr,
-               "usage: karvelskin check THEME_FOLDER [SKIN]\n"
+               "usage: karvelskin check THEME_FOLDER [SKIN] [--type NAME=BUILTIN]...\n"
                "       karvelskin preview THEME_FOLDER --skin NAME --form ID [--size WxH] [--menu] --out FILE.png\n"
                "       karvelskin preview THEME_FOLDER --all [--size WxH] --out FOLDER\n");
 }
@@ -63,6 +72,11 @@ bool ParseArguments(int argc, char** argv, Arguments& args) {
     else if (arg == "--out" && hasValue) args.out = argv[++i];
     else if (arg == "--size" && hasValue) {
       if (std::sscanf(argv[++i], "%dx%d", &args.width, &args.height) != 2 || args.width <= 0 || args.height <= 0) return false;
+    } else if (arg == "--type" && hasValue) {
+      const std::string pair = argv[++i];
+      const size_t equals = pair.find('=');
+      if (equals == std::string::npos || equals == 0 || equals + 1 == pair.size()) return false;
+      args.hostTypes.emplace_back(pair.substr(0, equals), pair.substr(equals + 1));
     } else if (arg == "--menu") args.menu = true;
     else if (arg == "--all") args.all = true;
     else if (args.command == "check" && args.skin.empty() && arg[0] != '-') args.skin = arg;
@@ -101,7 +115,36 @@ class Session {
   bool m_device = false;
 };
 
+// A host's own control types (the viewer's CPhotoView, say) are made by the
+// host's creator, which this tool does not have: each is checked as the
+// built-in type it derives from, under its own name.
+template <class Base>
+class HostControl : public Base {
+ public:
+  explicit HostControl(const CString& type) { this->SetTypeName(type); }
+};
+
+std::map<CString, CString>& HostTypes() {
+  static std::map<CString, CString> types;
+  return types;
+}
+
+CUIControl* CreateHostType(const CString& type) {
+  const auto it = HostTypes().find(type);
+  if (it == HostTypes().end()) return nullptr;
+  const CString& base = it->second;
+  if (base == L"CUIImageBase") return new HostControl<CUIImageBase>(type);
+  if (base == L"CUIButton") return new HostControl<CUIButton>(type);
+  if (base == L"CUILabel") return new HostControl<CUILabel>(type);
+  if (base == L"CUIPanel") return new HostControl<CUIPanel>(type);
+  if (base == L"CUISlider") return new HostControl<CUISlider>(type);
+  if (base == L"CUIList") return new HostControl<CUIList>(type);
+  return nullptr;
+}
+
 int Check(const Arguments& args) {
+  for (const auto& [name, builtIn] : args.hostTypes) HostTypes()[CString(name.c_str())] = CString(builtIn.c_str());
+  if (!HostTypes().empty()) CUISkinManager::GetInstance()->RegisterObjectCreateor(&CreateHostType);
   std::vector<SkinFinding> findings;
   const SkinCheckResult result = CSkinChecker::Check(CString(args.theme.c_str()), CString(args.skin.c_str()), findings);
   for (const SkinFinding& finding : findings)

@@ -11,6 +11,7 @@
 #include <karvelui/SkinWatcher.h>
 #include <karvelui/UIForm.h>
 #include <karvelui/UIManager.h>
+#include "skintools/PhotoViewStandIn.h"
 #include "skin/SkinTestSupport.h"
 #include "support/GLTesting.h"
 
@@ -27,6 +28,7 @@ class LiveReloadTest : public SkinManagerTest {
   void SetUp() override {
     fs::copy(fs::path(KARVEL_SOURCE_DIR) / "assets" / "Theme", m_app.Path() / "Theme", fs::copy_options::recursive);
     ASSERT_EQ(DXCore::InitInstance(), S_OK);
+    Manager()->RegisterObjectCreateor(&PhotoViewStandIn::Create);
     ASSERT_EQ(Manager()->InitSkinData(), 1);
     form = new CUIForm();
     form->SetObjectID(L"MainForm");

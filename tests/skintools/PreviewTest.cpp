@@ -1,8 +1,9 @@
 // karvelskin preview paints a form as the viewer paints it: the viewer's
 // screenshot of its main form and the previewer's picture agree in every
 // pixel the skin decides. The viewer writes its own title, status line and
-// zoom position, so those two places (from the sample skin's layout) are
-// left out of the comparison.
+// zoom position, and fills the band between caption and tool bar with its
+// photo and the strip's thumbnails, so those places (from the sample skin's
+// layout) are left out of the comparison.
 
 #include <gtest/gtest.h>
 
@@ -19,12 +20,16 @@ std::string Bin(const char* program) { return std::string(KARVEL_BINARY_DIR) + "
 
 bool RunProgram(const std::string& command) { return std::system((command + " >/dev/null 2>&1").c_str()) == 0; }
 
-// The caption's title between the icon and the system buttons, and the tool
-// bar right of its buttons (status line and zoom slider).
+// The rounded corners (their edge pixels blend with what the program drew
+// before), the caption's title between the icon and the system buttons, the photo
+// and strip between caption and tool bar (inside the frame's sides), and the
+// tool bar right of its buttons (status line and zoom slider).
 bool HostDraws(int x, int y, int width, int height) {
   constexpr int kCaptionHeight = 32, kTitleLeft = 38, kSysButtons = 96;
-  constexpr int kToolBarTop = 52, kToolButtonsRight = 292;
-  return (y < kCaptionHeight && x >= kTitleLeft && x < width - kSysButtons) ||
+  constexpr int kToolBarTop = 52, kToolButtonsRight = 292, kFrameSide = 8, kCorner = 6;
+  const bool corner = (x < kCorner || x >= width - kCorner) && (y < kCorner || y >= height - kCorner);
+  return corner || (y < kCaptionHeight && x >= kTitleLeft && x < width - kSysButtons) ||
+         (y >= kCaptionHeight && y < height - kToolBarTop && x >= kFrameSide && x < width - kFrameSide) ||
          (y >= height - kToolBarTop && x >= kToolButtonsRight);
 }
 

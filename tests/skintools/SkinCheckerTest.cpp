@@ -10,6 +10,7 @@
 #include <karvelui/SkinReader.h>
 #include <karvelui/UIControl.h>
 #include "skin/SkinTestSupport.h"
+#include "skintools/PhotoViewStandIn.h"
 
 namespace KarvelTest {
 namespace {
@@ -79,6 +80,7 @@ TEST_F(SkinCheckerTest, ReportsEachKindOfMistakeWithFileAndLine) {
 }
 
 TEST_F(SkinCheckerTest, SampleSkinsCheckCleanAndAMissingFolderIsUnreadable) {
+  CUISkinManager::GetInstance()->RegisterObjectCreateor(&PhotoViewStandIn::Create);
   std::vector<SkinFinding> findings;
   for (const wchar_t* skin : {L"", L"Default", L"Ocean"}) {
     EXPECT_EQ(CSkinChecker::Check(Theme("assets/Theme"), skin, findings), SKINCHECK_CLEAN) << Lines(findings)[0];
