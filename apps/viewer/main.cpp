@@ -8,10 +8,14 @@
 //   karvelview --effect NAME --screenshot FILE
 //                                    the same with one frame of a full-window
 //                                    effect (BandedSwirlEffect) drawn over it
+//   karvelview --soak SECONDS FOLDER walk the folder's pictures off screen for
+//                                    that long, switching skins and opening a
+//                                    menu, and report memory, files and threads
 //
 // The skins ("Theme"), the string table and the sample photos lie beside
 // the program.
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -29,6 +33,7 @@ using namespace KarvelUI;
 
 namespace KarvelView {
 bool ApplyNamedEffect(CUIForm& form, const CString& name);  // Effects.cpp
+int RunSoak(CMainForm& form, int seconds, const std::string& folder);  // Soak.cpp
 }
 
 namespace {
@@ -37,6 +42,8 @@ struct Options {
   std::string screenshot;  // empty: windowed
   CString skin;
   CString effect;  // empty: none
+  int soakSeconds = 0;  // 0: no soak run
+  std::string soakFolder;
 };
 
 bool HasDisplay() {
@@ -56,8 +63,13 @@ bool ParseOptions(int argc, char** argv, Options& options) {
       options.skin = CString(argv[++i]);
     } else if (arg == "--effect" && i + 1 < argc) {
       options.effect = CString(argv[++i]);
+    } else if (arg == "--soak" && i + 2 < argc) {
+      options.soakSeconds = std::max(1, std::atoi(argv[++i]));
+      options.soakFolder = argv[++i];
+      options.screenshot = "-";  // off screen, nothing written
     } else {
-      std::fprintf(stderr, "usage: %s [--screenshot FILE.png] [--skin NAME] [--effect NAME]\n", argv[0]);
+      std::fprintf(stderr, "usage: %s [--screenshot FILE.png] [--skin NAME] [--effect NAME] [--soak SECONDS FOLDER]\n",
+                   argv[0]);
       return false;
     }
   }
@@ -96,6 +108,11 @@ int RunViewer(const Options& options) {
   if (options.screenshot.empty()) return RunMessageLoop();
 
   PaintOnce(*form);
+  if (options.soakSeconds > 0) {
+    const int result = KarvelView::RunSoak(*form, options.soakSeconds, options.soakFolder);
+    form->Release();
+    return result;
+  }
   if (!options.effect.IsEmpty() && !KarvelView::ApplyNamedEffect(*form, options.effect)) {
     form->Release();
     std::fprintf(stderr, "karvelview: no effect %s (see the trace log)\n", options.effect.ToUtf8().c_str());
