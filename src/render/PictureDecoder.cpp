@@ -10,7 +10,6 @@
 #include <string>
 
 #include "platform/Paths.h"
-#include <karvelui/Trace.h>
 #include <karvelui/StdioFile.h>
 
 // After the library's headers: the image library defines TRUE and FALSE as macros.
@@ -74,12 +73,7 @@ void RestrictToViewerFormats() {
 }
 
 bool WithinPixelLimit(std::uint64_t width, std::uint64_t height) {
-  const std::uint64_t limit = GetMaxPicturePixels();
-  if (width * height <= limit) return true;
-  g_ITrace->Trace(TRACE_LEVEL_DEVICE, TRACE_FLUSH, L"<ERROR> Picture of %llu x %llu pixels is over the limit of %llu",
-                  static_cast<unsigned long long>(width), static_cast<unsigned long long>(height),
-                  static_cast<unsigned long long>(limit));
-  return false;
+  return width * height <= GetMaxPicturePixels();
 }
 
 // A picture file read through the decoder's I/O hooks. Reads never go past
@@ -176,7 +170,8 @@ class PictureMemory {
 // The image library's PNG reader allocates every chunk as large as its
 // length field claims before it reads a byte of it, so the chunk lengths are
 // measured against the bytes the source holds first: a chunk that claims
-// more is refused before the reader sees the file. A file that simply ends
+// more is refused before the reader sees the file (the callers report the
+// failure as for any picture that does not decode). A file that simply ends
 // early is left to the reader, which finds it cut short.
 constexpr std::uint32_t kPngSignatureBytes = 8;
 constexpr std::uint32_t kPngChunkOverhead = 12;  // length, type and CRC
@@ -198,8 +193,6 @@ bool PngChunksFitSource(Source& source) {
     if (io->seek_proc(handle, static_cast<long>(at), SEEK_SET) != 0 || io->read_proc(header, 1, 8, handle) != 8) break;
     const std::uint32_t length = BigEndian32(header);
     if (length > kPngMaxChunkLength || length > size - at - kPngChunkOverhead) {
-      g_ITrace->Trace(TRACE_LEVEL_DEVICE, TRACE_FLUSH, L"<ERROR> PNG chunk of %u bytes runs past the end of the file",
-                      length);
       fits = false;
       break;
     }
