@@ -3,6 +3,7 @@
 # Idempotent; needs root (or sudo). Touches nothing but apt.
 #   scripts/setup.sh         the packages for building, testing and running
 #   scripts/setup.sh bench   those plus the benchmarks' baselines
+#   scripts/setup.sh soak    those plus the soak run's memory checker
 set -euo pipefail
 
 PACKAGES=(
@@ -19,6 +20,9 @@ PACKAGES=(
 # Baselines the benchmarks measure against; never needed to build or test.
 BENCH_PACKAGES=(libvips-tools)
 [ "${1:-}" = bench ] && PACKAGES+=("${BENCH_PACKAGES[@]}")
+# The soak run's memory checker (scripts/soak.sh); never needed to build or test.
+SOAK_PACKAGES=(valgrind python3)
+[ "${1:-}" = soak ] && PACKAGES+=("${SOAK_PACKAGES[@]}")
 
 missing=()
 for p in "${PACKAGES[@]}"; do

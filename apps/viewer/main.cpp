@@ -13,10 +13,14 @@
 //   karvelview --effect NAME --screenshot FILE
 //                                    the same with one frame of a full-window
 //                                    effect (BandedSwirlEffect) drawn over it
+//   karvelview --soak SECONDS FOLDER walk the folder's pictures off screen for
+//                                    that long, switching skins and opening a
+//                                    menu, and report memory, files and threads
 //
 // The skins ("Theme"), the string table and the sample photos lie beside
 // the program.
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <chrono>
@@ -39,6 +43,7 @@ using namespace KarvelUI;
 
 namespace KarvelView {
 bool ApplyNamedEffect(CUIForm& form, const CString& name);  // Effects.cpp
+int RunSoak(CMainForm& form, int seconds, const std::string& folder);  // Soak.cpp
 }
 
 namespace {
@@ -50,6 +55,8 @@ struct Options {
   CString open;    // folder or file; empty: the bundled photos
   std::string statusFile;
   bool watchSkins = false;
+  int soakSeconds = 0;  // 0: no soak run
+  std::string soakFolder;
 };
 
 bool HasDisplay() {
@@ -71,6 +78,10 @@ bool ParseOptions(int argc, char** argv, Options& options) {
       options.watchSkins = true;
     } else if (arg == "--effect" && i + 1 < argc) {
       options.effect = CString(argv[++i]);
+    } else if (arg == "--soak" && i + 2 < argc) {
+      options.soakSeconds = std::max(1, std::atoi(argv[++i]));
+      options.soakFolder = argv[++i];
+      options.screenshot = "-";  // off screen, nothing written
     } else if (arg == "--status-file" && i + 1 < argc) {
       options.statusFile = argv[++i];
     } else if (!arg.empty() && arg[0] != '-' && options.open.IsEmpty()) {
@@ -78,7 +89,7 @@ bool ParseOptions(int argc, char** argv, Options& options) {
     } else {
       std::fprintf(stderr,
                    "usage: %s [FOLDER or FILE] [--screenshot FILE.png] [--skin NAME] [--effect NAME]"
-                   " [--status-file FILE] [--watch-skins]\n",
+                   " [--status-file FILE] [--watch-skins] [--soak SECONDS FOLDER]\n",
                    argv[0]);
       return false;
     }
@@ -142,6 +153,11 @@ int RunViewer(const Options& options) {
   if (options.screenshot.empty()) return RunMessageLoop();
 
   PaintOnce(*form);
+  if (options.soakSeconds > 0) {
+    const int result = KarvelView::RunSoak(*form, options.soakSeconds, options.soakFolder);
+    form->Release();
+    return result;
+  }
   if (!options.effect.IsEmpty() && !KarvelView::ApplyNamedEffect(*form, options.effect)) {
     form->Release();
     std::fprintf(stderr, "karvelview: no effect %s (see the trace log)\n", options.effect.ToUtf8().c_str());

@@ -118,6 +118,7 @@ struct KARVELUI_API ViewPicture {
 };
 
 class ViewPictureLoader;
+class PictureSource;
 
 struct KARVELUI_API FONTITEM {
   virtual ~FONTITEM() = default;
@@ -148,6 +149,11 @@ class KARVELUI_API ResourceCache {
   // "<ERROR> Decode Fail: <path>" and returns null; an existing entry is
   // then unchanged.
   tagTextureItem* LoadTextureFromFile(CString path, IDirect3DDevice9* device, int decodeOnly);
+  // The same for a picture file image held in memory (a stored thumbnail, a
+  // picture inside another file), entered under `key`. The cache keeps a
+  // copy of the bytes while frames of an animated picture remain to be read.
+  tagTextureItem* LoadTextureFromFileImage(CString key, IDirect3DDevice9* device, const void* data, size_t size,
+                                           int decodeOnly);
   // Uploads the caller's pixels (24 or 32 bits, rows bottom-up, `size`
   // bytes in all) as an entry in state 1.
   tagTextureItem* LoadTextureFromMemory(CString key, IDirect3DDevice9* device, void* bits, int size, int width,
@@ -218,6 +224,11 @@ class KARVELUI_API ResourceCache {
   };
 
   int CacheTextureFromFile(CString path, IDirect3DDevice9* device, tagTextureItem* item, int decodeOnly);
+  // Decodes `image`, or the file at `key` when it is null, into `item`.
+  int CacheTexture(const CString& key, const PictureSource* image, IDirect3DDevice9* device, tagTextureItem* item,
+                   int decodeOnly);
+  tagTextureItem* LoadTexture(const CString& key, const PictureSource* image, IDirect3DDevice9* device,
+                              int decodeOnly);
   int CacheTextureFromMemory(IDirect3DDevice9* device, void* bits, int size, int width, int height,
                              UINT bitsPerPixel, tagTextureItem* item, int bottomUp);
   // Frame composed on a copy of the previous composed picture; `disposal` is
@@ -228,9 +239,9 @@ class KARVELUI_API ResourceCache {
   // Moves `item` into the entry of `key` (or inserts it) and returns the entry.
   tagTextureItem* StoreEntry(const CString& key, std::unique_ptr<tagTextureItem> item);
   CString FileToDecode(const CString& path);
-  bool DecodeFile(const CString& path, tagTextureItem* item, int decodeOnly);
-  bool DecodeFirstPage(const CString& file, int format, tagTextureItem* item);
-  bool DecodeSinglePicture(const CString& file, int format, tagTextureItem* item, int decodeOnly);
+  bool DecodePicture(const PictureSource& source, tagTextureItem* item, int decodeOnly);
+  bool DecodeFirstPage(const PictureSource& source, int format, tagTextureItem* item);
+  bool DecodeSinglePicture(const PictureSource& source, int format, tagTextureItem* item, int decodeOnly);
   int UploadBitmap(IDirect3DDevice9* device, tagTextureItem* item);
   bool CreateTiles(IDirect3DDevice9* device, int width, int height, tagTextureItem* item);
   bool LockTile(TextureTile* tile);

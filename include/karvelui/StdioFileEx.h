@@ -19,6 +19,9 @@ class KARVELUI_API CStdioFileEx : public CStdioFile {
  public:
   static constexpr UINT modeWriteUnicode = 0x20000;
   static constexpr size_t kNarrowPiece = 4095;  // bytes per narrow read
+  // Larger files are not opened for reading (a UTF-16 line is held whole,
+  // and every caller reads a file to its end).
+  static constexpr std::uint64_t kMaxReadBytes = 16u << 20;
 
   CStdioFileEx() = default;
   ~CStdioFileEx() override = default;

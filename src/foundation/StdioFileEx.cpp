@@ -3,6 +3,7 @@
 #include <string>
 
 #include <karvelui/TextCodec.h>
+#include <karvelui/Trace.h>
 #include "platform/CodePage.h"
 
 namespace KarvelUI {
@@ -43,7 +44,14 @@ BOOL CStdioFileEx::Open(const CString& path, UINT flags) {
     flags = (flags & ~typeText) | typeBinary;
   }
   m_nFlags = flags;
-  return CStdioFile::Open(path, flags);
+  if (!CStdioFile::Open(path, flags)) return FALSE;
+  if (IsReadOnlyMode(flags) && GetLength() > kMaxReadBytes) {
+    g_ITrace->Trace(TRACE_LEVEL_ERROR, TRACE_FLUSH, L"<ERROR> Text file of %llu bytes is over the limit: %s",
+                    static_cast<unsigned long long>(GetLength()), path);
+    Close();
+    return FALSE;
+  }
+  return TRUE;
 }
 
 BOOL CStdioFileEx::ReadString(CString& line) {

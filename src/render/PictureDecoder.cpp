@@ -5,6 +5,8 @@
 #include <climits>
 #include <cmath>
 #include <cstring>
+#include <map>
+#include <mutex>
 #include <string>
 
 #include "platform/Paths.h"
@@ -20,8 +22,34 @@ void FreeImageDeleter::operator()(FIBITMAP* bitmap) const {
   if (bitmap) FreeImage_Unload(bitmap);
 }
 
+namespace {
+
+// The memory stream and bytes a multi-page picture opened from memory reads
+// its pages from; they go when the picture is closed.
+struct MemoryPages {
+  std::shared_ptr<const std::vector<std::uint8_t>> bytes;
+  FIMEMORY* stream = nullptr;
+  ~MemoryPages() {
+    if (stream) FreeImage_CloseMemory(stream);
+  }
+};
+
+std::mutex g_memoryPagesMutex;
+std::map<FIMULTIBITMAP*, std::unique_ptr<MemoryPages>> g_memoryPages;
+
+}  // namespace
+
 void FreeImageDeleter::operator()(FIMULTIBITMAP* bitmap) const {
-  if (bitmap) FreeImage_CloseMultiBitmap(bitmap, 0);
+  if (!bitmap) return;
+  FreeImage_CloseMultiBitmap(bitmap, 0);
+  std::unique_ptr<MemoryPages> pages;
+  {
+    const std::lock_guard<std::mutex> lock(g_memoryPagesMutex);
+    const auto found = g_memoryPages.find(bitmap);
+    if (found == g_memoryPages.end()) return;
+    pages = std::move(found->second);
+    g_memoryPages.erase(found);
+  }
 }
 
 namespace {
@@ -139,10 +167,51 @@ class PictureMemory {
   bool m_bCutShort = false;
 };
 
+// The image library's PNG reader allocates every chunk as large as its
+// length field claims before it reads a byte of it, so the chunk lengths are
+// measured against the bytes the source holds first: a chunk that claims
+// more is refused before the reader sees the file (the callers report the
+// failure as for any picture that does not decode). A file that simply ends
+// early is left to the reader, which finds it cut short.
+constexpr std::uint32_t kPngSignatureBytes = 8;
+constexpr std::uint32_t kPngChunkOverhead = 12;  // length, type and CRC
+constexpr std::uint32_t kPngMaxChunkLength = 0x7FFFFFFF;
+
+std::uint32_t BigEndian32(const BYTE* bytes) {
+  return (std::uint32_t(bytes[0]) << 24) | (std::uint32_t(bytes[1]) << 16) | (std::uint32_t(bytes[2]) << 8) | bytes[3];
+}
+
+template <class Source>
+bool PngChunksFitSource(Source& source) {
+  FreeImageIO* io = source.IO();
+  const fi_handle handle = source.Handle();
+  if (io->seek_proc(handle, 0, SEEK_END) != 0) return false;
+  const long long size = io->tell_proc(handle);
+  bool fits = true;
+  for (long long at = kPngSignatureBytes; at + 8 <= size;) {
+    BYTE header[8];
+    if (io->seek_proc(handle, static_cast<long>(at), SEEK_SET) != 0 || io->read_proc(header, 1, 8, handle) != 8) break;
+    const std::uint32_t length = BigEndian32(header);
+    if (length > kPngMaxChunkLength || length > size - at - kPngChunkOverhead) {
+      fits = false;
+      break;
+    }
+    if (std::memcmp(header + 4, "IEND", 4) == 0) break;
+    at += kPngChunkOverhead + length;
+  }
+  return source.Rewind() && fits;
+}
+
+template <class Source>
+bool ClaimsFitSource(Source& source, FREE_IMAGE_FORMAT fif) {
+  return fif != FIF_PNG || PngChunksFitSource(source);
+}
+
 // The header first, measured against the limit, then the pixels; a source
 // that ran dry meanwhile is refused.
 template <class Source>
 FIBitmapPtr LoadWithinLimits(Source& source, FREE_IMAGE_FORMAT fif) {
+  if (!ClaimsFitSource(source, fif)) return nullptr;
   {
     const FIBitmapPtr header(FreeImage_LoadFromHandle(fif, source.IO(), source.Handle(), FIF_LOAD_NOPIXELS));
     if (!header || !WithinPixelLimit(FreeImage_GetWidth(header.get()), FreeImage_GetHeight(header.get())))
@@ -159,55 +228,122 @@ FIBitmapPtr LoadWithinLimits(Source& source, FREE_IMAGE_FORMAT fif) {
 // descriptor says, so every descriptor is measured before the file is opened.
 // The blocks are walked the way the decoder walks them.
 
+// A picture file image in memory read front to back like a file: reads
+// stop at the end, skips past it leave the reader at the end.
+struct MemoryReader {
+  const BYTE* data;
+  std::size_t size;
+  std::size_t at = 0;
+};
+
+UINT ReadBytes(CStdioFile& file, void* buffer, UINT count) { return file.Read(buffer, count); }
+
+UINT ReadBytes(MemoryReader& memory, void* buffer, UINT count) {
+  const std::size_t got = std::min<std::size_t>(count, memory.size - memory.at);
+  std::memcpy(buffer, memory.data + memory.at, got);
+  memory.at += got;
+  return static_cast<UINT>(got);
+}
+
 bool SkipBytes(CStdioFile& file, std::uint64_t count) {
   return file.Seek(static_cast<std::int64_t>(count), CStdioFile::current);
 }
 
-bool SkipSubBlocks(CStdioFile& file) {
+bool SkipBytes(MemoryReader& memory, std::uint64_t count) {
+  memory.at += static_cast<std::size_t>(std::min<std::uint64_t>(count, memory.size - memory.at));
+  return true;
+}
+
+template <class Reader>
+bool SkipSubBlocks(Reader& reader) {
   for (;;) {
     BYTE length = 0;
-    if (file.Read(&length, 1) != 1) return false;
+    if (ReadBytes(reader, &length, 1) != 1) return false;
     if (length == 0) return true;
-    if (!SkipBytes(file, length)) return false;
+    if (!SkipBytes(reader, length)) return false;
   }
 }
 
 std::uint64_t ColorTableBytes(BYTE packed) { return (packed & 0x80) ? 3ull << ((packed & 0x07) + 1) : 0; }
 
-bool GifFramesWithinLimit(const CString& path) {
-  CStdioFile file;
-  if (!file.Open(path, CStdioFile::modeRead | CStdioFile::typeBinary)) return false;
+template <class Reader>
+bool GifFramesWithinLimit(Reader& reader) {
   BYTE header[13];
-  if (file.Read(header, sizeof header) != sizeof header || !SkipBytes(file, ColorTableBytes(header[10]))) return false;
+  if (ReadBytes(reader, header, sizeof header) != sizeof header || !SkipBytes(reader, ColorTableBytes(header[10])))
+    return false;
   for (;;) {
     BYTE block = 0;
-    if (file.Read(&block, 1) != 1) return true;
+    if (ReadBytes(reader, &block, 1) != 1) return true;
     if (block == 0x2C) {
       BYTE descriptor[9];
-      if (file.Read(descriptor, sizeof descriptor) != sizeof descriptor) return true;
+      if (ReadBytes(reader, descriptor, sizeof descriptor) != sizeof descriptor) return true;
       const unsigned width = descriptor[4] | (descriptor[5] << 8);
       const unsigned height = descriptor[6] | (descriptor[7] << 8);
       if (!WithinPixelLimit(width, height)) return false;
-      if (!SkipBytes(file, ColorTableBytes(descriptor[8]) + 1) || !SkipSubBlocks(file)) return true;
+      if (!SkipBytes(reader, ColorTableBytes(descriptor[8]) + 1) || !SkipSubBlocks(reader)) return true;
     } else if (block == 0x21) {
-      if (!SkipBytes(file, 1) || !SkipSubBlocks(file)) return true;
+      if (!SkipBytes(reader, 1) || !SkipSubBlocks(reader)) return true;
     } else {
       return true;  // trailer, or a block the decoder stops at too
     }
   }
 }
 
-// Every page's header, read without pixels.
-bool TiffPagesWithinLimit(const std::string& native) {
-  const FIMultiBitmapPtr headers(FreeImage_OpenMultiBitmap(FIF_TIFF, native.c_str(), FALSE, TRUE, TRUE, FIF_LOAD_NOPIXELS));
+bool GifFramesWithinLimit(const PictureSource& source) {
+  if (source.IsMemory()) {
+    MemoryReader memory{source.Data(), source.Size()};
+    return GifFramesWithinLimit(memory);
+  }
+  CStdioFile file;
+  return file.Open(source.Path(), CStdioFile::modeRead | CStdioFile::typeBinary) && GifFramesWithinLimit(file);
+}
+
+// The image library reads from memory through a stream over the caller's
+// bytes; it never writes to them.
+FIMEMORY* OpenMemoryStream(const PictureSource& source) {
+  return FreeImage_OpenMemory(const_cast<BYTE*>(source.Data()), static_cast<DWORD>(source.Size()));
+}
+
+bool PageHeadersWithinLimit(FIMULTIBITMAP* headers) {
   if (!headers) return false;
-  const int pages = FreeImage_GetPageCount(headers.get());
+  const int pages = FreeImage_GetPageCount(headers);
   for (int page = 0; page < pages; ++page) {
-    const LockedPage header(headers.get(), page);
+    const LockedPage header(headers, page);
     if (header.Get() && !WithinPixelLimit(FreeImage_GetWidth(header.Get()), FreeImage_GetHeight(header.Get())))
       return false;
   }
   return true;
+}
+
+// Every page's header, read without pixels.
+bool TiffPagesWithinLimit(const PictureSource& source) {
+  if (!source.IsMemory()) {
+    const FIMultiBitmapPtr headers(
+        FreeImage_OpenMultiBitmap(FIF_TIFF, ToNativePath(source.Path()).c_str(), FALSE, TRUE, TRUE, FIF_LOAD_NOPIXELS));
+    return PageHeadersWithinLimit(headers.get());
+  }
+  FIMEMORY* stream = OpenMemoryStream(source);
+  if (!stream) return false;
+  bool within = false;
+  {
+    const FIMultiBitmapPtr headers(FreeImage_LoadMultiBitmapFromMemory(FIF_TIFF, stream, FIF_LOAD_NOPIXELS));
+    within = PageHeadersWithinLimit(headers.get());
+  }
+  FreeImage_CloseMemory(stream);
+  return within;
+}
+
+// Pages read from the source's bytes, which the picture keeps until it is closed.
+FIMultiBitmapPtr OpenMemoryPages(const PictureSource& source, FREE_IMAGE_FORMAT fif) {
+  auto pages = std::make_unique<MemoryPages>();
+  pages->bytes = source.Bytes();
+  pages->stream = OpenMemoryStream(source);
+  if (!pages->stream) return nullptr;
+  FIMULTIBITMAP* bitmap = FreeImage_LoadMultiBitmapFromMemory(fif, pages->stream, 0);
+  if (!bitmap) return nullptr;
+  const std::lock_guard<std::mutex> lock(g_memoryPagesMutex);
+  g_memoryPages[bitmap] = std::move(pages);
+  return FIMultiBitmapPtr(bitmap);
 }
 
 }  // namespace
@@ -216,21 +352,50 @@ std::uint64_t SetMaxPicturePixels(std::uint64_t pixels) { return g_maxPicturePix
 
 std::uint64_t GetMaxPicturePixels() { return g_maxPicturePixels.load(); }
 
-int DetectPictureFormat(const CString& path) {
+PictureSource PictureSource::File(const CString& path) {
+  PictureSource source;
+  source.m_strPath = path;
+  return source;
+}
+
+PictureSource PictureSource::Memory(const void* data, std::size_t size) {
+  PictureSource source;
+  const auto* bytes = static_cast<const std::uint8_t*>(data);
+  source.m_pBytes = std::make_shared<const std::vector<std::uint8_t>>(bytes, bytes + (data ? size : 0));
+  return source;
+}
+
+int DetectPictureFormat(const CString& path) { return DetectPictureFormat(PictureSource::File(path)); }
+
+int DetectPictureFormat(const PictureSource& source) {
   RestrictToViewerFormats();
-  PictureFile file(path);
-  if (!file.IsOpen()) return PICTURE_FORMAT_UNKNOWN;
-  const FREE_IMAGE_FORMAT format = FreeImage_GetFileTypeFromHandle(file.IO(), file.Handle(), 0);
+  FREE_IMAGE_FORMAT format = FIF_UNKNOWN;
+  if (source.IsMemory()) {
+    if (source.Size() == 0 || source.Size() > LONG_MAX) return PICTURE_FORMAT_UNKNOWN;
+    PictureMemory memory(source.Data(), source.Size());
+    format = FreeImage_GetFileTypeFromHandle(memory.IO(), memory.Handle(), 0);
+  } else {
+    PictureFile file(source.Path());
+    if (!file.IsOpen()) return PICTURE_FORMAT_UNKNOWN;
+    format = FreeImage_GetFileTypeFromHandle(file.IO(), file.Handle(), 0);
+  }
   return IsViewerFormat(format) ? static_cast<int>(format) : PICTURE_FORMAT_UNKNOWN;
 }
 
 bool IsMultiPageFormat(int format) { return format == PICTURE_FORMAT_GIF || format == PICTURE_FORMAT_TIFF; }
 
-FIBitmapPtr LoadPicture(const CString& path, int format) {
+FIBitmapPtr LoadPicture(const CString& path, int format) { return LoadPicture(PictureSource::File(path), format); }
+
+FIBitmapPtr LoadPicture(const PictureSource& source, int format) {
   RestrictToViewerFormats();
   const auto fif = static_cast<FREE_IMAGE_FORMAT>(format);
   if (!IsViewerFormat(fif) || IsMultiPageFormat(format)) return nullptr;
-  PictureFile file(path);
+  if (source.IsMemory()) {
+    if (source.Size() == 0 || source.Size() > LONG_MAX) return nullptr;
+    PictureMemory memory(source.Data(), source.Size());
+    return LoadWithinLimits(memory, fif);
+  }
+  PictureFile file(source.Path());
   if (!file.IsOpen()) return nullptr;
   return LoadWithinLimits(file, fif);
 }
@@ -245,13 +410,19 @@ FIBitmapPtr LoadPictureFromMemory(const void* data, std::size_t size) {
 }
 
 FIMultiBitmapPtr OpenMultiPagePicture(const CString& path, int format) {
+  return OpenMultiPagePicture(PictureSource::File(path), format);
+}
+
+FIMultiBitmapPtr OpenMultiPagePicture(const PictureSource& source, int format) {
   RestrictToViewerFormats();
   if (!IsMultiPageFormat(format)) return nullptr;
-  const std::string native = ToNativePath(path);
-  const bool measured = format == PICTURE_FORMAT_GIF ? GifFramesWithinLimit(path) : TiffPagesWithinLimit(native);
+  if (source.IsMemory() && (source.Size() == 0 || source.Size() > LONG_MAX)) return nullptr;
+  const bool measured = format == PICTURE_FORMAT_GIF ? GifFramesWithinLimit(source) : TiffPagesWithinLimit(source);
   if (!measured) return nullptr;
+  const auto fif = static_cast<FREE_IMAGE_FORMAT>(format);
+  if (source.IsMemory()) return OpenMemoryPages(source, fif);
   return FIMultiBitmapPtr(
-      FreeImage_OpenMultiBitmap(static_cast<FREE_IMAGE_FORMAT>(format), native.c_str(), FALSE, TRUE, TRUE, 0));
+      FreeImage_OpenMultiBitmap(fif, ToNativePath(source.Path()).c_str(), FALSE, TRUE, TRUE, 0));
 }
 
 LockedPage::LockedPage(FIMULTIBITMAP* file, int page)
@@ -471,6 +642,7 @@ class CancellableRead {
 
 // The header of a single-page file, without pixels; null over the pixel limit.
 FIBitmapPtr LoadHeader(PictureFile& file, FREE_IMAGE_FORMAT format) {
+  if (!ClaimsFitSource(file, format)) return nullptr;
   FIBitmapPtr header(FreeImage_LoadFromHandle(format, file.IO(), file.Handle(), FIF_LOAD_NOPIXELS));
   if (!header || !WithinPixelLimit(FreeImage_GetWidth(header.get()), FreeImage_GetHeight(header.get())))
     return nullptr;

@@ -61,15 +61,37 @@ inline constexpr std::uint64_t kDefaultMaxPicturePixels = 200000000;
 std::uint64_t SetMaxPicturePixels(std::uint64_t pixels);
 std::uint64_t GetMaxPicturePixels();
 
+// Where a picture's bytes come from: a file (library path) or a picture file
+// image held in memory. A memory source shares its copy of the bytes with
+// every multi-page picture opened from it, so frames can still be read
+// after the source itself is gone.
+class PictureSource {
+ public:
+  static PictureSource File(const CString& path);
+  static PictureSource Memory(const void* data, std::size_t size);
+
+  bool IsMemory() const { return m_pBytes != nullptr; }
+  const CString& Path() const { return m_strPath; }
+  const std::uint8_t* Data() const { return m_pBytes ? m_pBytes->data() : nullptr; }
+  std::size_t Size() const { return m_pBytes ? m_pBytes->size() : 0; }
+  const std::shared_ptr<const std::vector<std::uint8_t>>& Bytes() const { return m_pBytes; }
+
+ private:
+  CString m_strPath;
+  std::shared_ptr<const std::vector<std::uint8_t>> m_pBytes;
+};
+
 // The file's format, or PICTURE_FORMAT_UNKNOWN when it cannot be read or is
 // not one of the formats the viewer decodes.
 int DetectPictureFormat(const CString& path);
+int DetectPictureFormat(const PictureSource& source);
 // GIF and TIFF: opened page by page.
 bool IsMultiPageFormat(int format);
 
 // A single-page picture as the decoder delivers it; null when it is too
 // large, cut short or cannot be decoded.
 FIBitmapPtr LoadPicture(const CString& path, int format);
+FIBitmapPtr LoadPicture(const PictureSource& source, int format);
 // The same for a picture file image in memory (any of the viewer's
 // single-page formats, detected from the bytes).
 FIBitmapPtr LoadPictureFromMemory(const void* data, std::size_t size);
@@ -77,6 +99,9 @@ FIBitmapPtr LoadPictureFromMemory(const void* data, std::size_t size);
 // A multi-page file opened read-only, its pages kept in memory once read;
 // null when it cannot be opened or any page is larger than the limit.
 FIMultiBitmapPtr OpenMultiPagePicture(const CString& path, int format);
+// The same from either source; pages of a memory source are read from the
+// source's bytes, which stay alive until the picture is closed.
+FIMultiBitmapPtr OpenMultiPagePicture(const PictureSource& source, int format);
 
 // One page of a multi-page file, locked for as long as the object lives and
 // handed back unchanged.

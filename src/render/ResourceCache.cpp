@@ -241,10 +241,21 @@ tagTextureItem* ResourceCache::GetTextureItemFromMemory(CString key, IDirect3DDe
 }
 
 tagTextureItem* ResourceCache::LoadTextureFromFile(CString path, IDirect3DDevice9* device, int decodeOnly) {
+  return LoadTexture(path, nullptr, device, decodeOnly);
+}
+
+tagTextureItem* ResourceCache::LoadTextureFromFileImage(CString key, IDirect3DDevice9* device, const void* data,
+                                                        size_t size, int decodeOnly) {
+  const PictureSource image = PictureSource::Memory(data, size);
+  return LoadTexture(key, &image, device, decodeOnly);
+}
+
+tagTextureItem* ResourceCache::LoadTexture(const CString& key, const PictureSource* image, IDirect3DDevice9* device,
+                                           int decodeOnly) {
   auto item = std::make_unique<tagTextureItem>();
   {
     UILock lock(m_pTextureLock.get());
-    if (tagTextureItem* entry = FindEntry(path)) {
+    if (tagTextureItem* entry = FindEntry(key)) {
       if (entry->nState == TEXTURE_STATE_READY_FILE) return entry;
       if (entry->nState == TEXTURE_STATE_DECODED) {
         if (decodeOnly) return entry;
@@ -252,8 +263,8 @@ tagTextureItem* ResourceCache::LoadTextureFromFile(CString path, IDirect3DDevice
       }
     }
   }
-  if (!CacheTextureFromFile(path, device, item.get(), decodeOnly)) return nullptr;
-  return StoreEntry(path, std::move(item));
+  if (!CacheTexture(key, image, device, item.get(), decodeOnly)) return nullptr;
+  return StoreEntry(key, std::move(item));
 }
 
 CString ResourceCache::FileToDecode(const CString& path) {
@@ -265,10 +276,19 @@ CString ResourceCache::FileToDecode(const CString& path) {
 
 int ResourceCache::CacheTextureFromFile(CString path, IDirect3DDevice9* device, tagTextureItem* item,
                                         int decodeOnly) {
+  return CacheTexture(path, nullptr, device, item, decodeOnly);
+}
+
+int ResourceCache::CacheTexture(const CString& key, const PictureSource* image, IDirect3DDevice9* device,
+                                tagTextureItem* item, int decodeOnly) {
   const bool decoded = item->nState == TEXTURE_STATE_DECODED && item->pBitmap;
-  if ((!decoded && !DecodeFile(path, item, decodeOnly)) || (!decodeOnly && !UploadBitmap(device, item))) {
+  const auto decode = [&] {
+    return image ? DecodePicture(*image, item, decodeOnly)
+                 : DecodePicture(PictureSource::File(FileToDecode(key)), item, decodeOnly);
+  };
+  if ((!decoded && !decode()) || (!decodeOnly && !UploadBitmap(device, item))) {
     item->nState = TEXTURE_STATE_FAILED;
-    g_ITrace->Trace(TRACE_LEVEL_DEVICE, TRACE_FLUSH, L"<ERROR> Decode Fail: %s", path);
+    g_ITrace->Trace(TRACE_LEVEL_DEVICE, TRACE_FLUSH, L"<ERROR> Decode Fail: %s", key);
     return 0;
   }
   if (decodeOnly) return 1;
@@ -277,13 +297,12 @@ int ResourceCache::CacheTextureFromFile(CString path, IDirect3DDevice9* device, 
   return 1;
 }
 
-bool ResourceCache::DecodeFile(const CString& path, tagTextureItem* item, int decodeOnly) {
-  const CString file = FileToDecode(path);
-  const int format = DetectPictureFormat(file);
+bool ResourceCache::DecodePicture(const PictureSource& source, tagTextureItem* item, int decodeOnly) {
+  const int format = DetectPictureFormat(source);
   if (format == PICTURE_FORMAT_UNKNOWN) return false;
   item->nImageFormat = format;
-  const bool decoded = IsMultiPageFormat(format) ? DecodeFirstPage(file, format, item)
-                                                 : DecodeSinglePicture(file, format, item, decodeOnly);
+  const bool decoded = IsMultiPageFormat(format) ? DecodeFirstPage(source, format, item)
+                                                 : DecodeSinglePicture(source, format, item, decodeOnly);
   if (!decoded) return false;
   item->pNextFrame.reset();
   item->pFirstFrame = item;
@@ -292,8 +311,8 @@ bool ResourceCache::DecodeFile(const CString& path, tagTextureItem* item, int de
   return true;
 }
 
-bool ResourceCache::DecodeFirstPage(const CString& file, int format, tagTextureItem* item) {
-  FIMultiBitmapPtr pages = OpenMultiPagePicture(file, format);
+bool ResourceCache::DecodeFirstPage(const PictureSource& source, int format, tagTextureItem* item) {
+  FIMultiBitmapPtr pages = OpenMultiPagePicture(source, format);
   if (!pages) return false;
   item->nFrameCount = FreeImage_GetPageCount(pages.get());
   item->nFrameIndex = 0;
@@ -310,11 +329,12 @@ bool ResourceCache::DecodeFirstPage(const CString& file, int format, tagTextureI
   return true;
 }
 
-bool ResourceCache::DecodeSinglePicture(const CString& file, int format, tagTextureItem* item, int decodeOnly) {
+bool ResourceCache::DecodeSinglePicture(const PictureSource& source, int format, tagTextureItem* item,
+                                        int decodeOnly) {
   item->nFrameCount = 1;
   item->nFrameIndex = 0;
   item->nFrameTime = -1;
-  FIBitmapPtr picture = LoadPicture(file, format);
+  FIBitmapPtr picture = LoadPicture(source, format);
   if (!picture) return false;
   // 32-bit BMP files carry no meaningful alpha.
   if (format == PICTURE_FORMAT_BMP && Is32BitPicture(picture.get())) MakeOpaque(picture.get());

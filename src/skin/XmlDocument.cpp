@@ -10,6 +10,7 @@
 #include <karvelui/Helpers.h>
 #include "platform/MappedFile.h"
 #include <karvelui/StdioFile.h>
+#include <karvelui/Trace.h>
 #include "skin/XmlText.h"
 
 namespace KarvelUI {
@@ -40,10 +41,20 @@ struct ParsedFile {
 ParsedFile ParseXmlFile(const CString& path) {
   ParsedFile parsed;
   const MappedFile file(path);
-  if (!file.IsOpen() || file.Size() > kMaxXmlFileBytes) return parsed;
+  if (!file.IsOpen()) return parsed;
+  if (file.Size() > kMaxXmlFileBytes) {
+    g_ITrace->Trace(TRACE_LEVEL_ERROR, TRACE_FLUSH, L"<ERROR> XML file of %llu bytes is over the limit: %s",
+                    static_cast<unsigned long long>(file.Size()), path);
+    return parsed;
+  }
   const std::string_view bytes(reinterpret_cast<const char*>(file.Data()), file.Size());
   const std::optional<std::string> text = PrepareXmlText(bytes);
-  if (!text) return parsed;
+  if (!text) {
+    g_ITrace->Trace(TRACE_LEVEL_ERROR, TRACE_FLUSH,
+                    L"<ERROR> XML file nested deeper than %d or with more than %d attributes on an element: %s",
+                    kMaxXmlElementDepth, kMaxXmlAttributes, path);
+    return parsed;
+  }
 
   auto doc = std::make_unique<TiXmlDocument>(Narrow(path).c_str());
   doc->SetTabSize(0);  // no row/column tracking: it can spin on stray lead bytes

@@ -7,6 +7,7 @@
 #include <mutex>
 
 #include <karvelui/TextCodec.h>
+#include <karvelui/Trace.h>
 #include "platform/Paths.h"
 
 namespace KarvelUI {
@@ -183,7 +184,12 @@ void ThumbDB::ReadCatalog() {
   const std::unique_ptr<StreamWrapper> catalog = storage.OpenStream(L"Catalog");
   if (!catalog) return;
   const std::uint64_t size = catalog->Stat();
-  if (size < kCatalogHeaderBytes || size > kMaxCatalogBytes) return;
+  if (size > kMaxCatalogBytes) {
+    g_ITrace->Trace(TRACE_LEVEL_ERROR, TRACE_FLUSH, L"<WARNING> thumbs.db catalog of %llu bytes is over the limit: %s",
+                    size, m_strPath);
+    return;
+  }
+  if (size < kCatalogHeaderBytes) return;
   std::vector<BYTE> bytes(static_cast<size_t>(size));
   if (!catalog->Read(bytes.data(), size)) return;
   ParseCatalog(bytes);
@@ -193,7 +199,12 @@ void ThumbDB::ParseCatalog(const std::vector<BYTE>& catalog) {
   CatalogReader reader(catalog);
   for (DWORD& value : m_nHeader) reader.Read32(value);
   const auto count = static_cast<std::int32_t>(m_nHeader[1]);
-  if (count <= 0 || count > kMaxCatalogEntries) return;
+  if (count > kMaxCatalogEntries) {
+    g_ITrace->Trace(TRACE_LEVEL_ERROR, TRACE_FLUSH, L"<WARNING> thumbs.db catalog of %d entries is over the limit: %s",
+                    count, m_strPath);
+    return;
+  }
+  if (count <= 0) return;
   for (std::int32_t i = 0; i < count; ++i) {
     ThumbDBEntry entry;
     if (!ReadEntry(reader, entry)) return;
@@ -221,7 +232,12 @@ std::vector<BYTE> ThumbDB::GetThumbData(const CString& name) const {
   const std::unique_ptr<StreamWrapper> stream = storage.OpenStream(StreamNameOf(found->nIndex));
   if (!stream) return {};
   const std::uint64_t size = stream->Stat();
-  if (size <= kThumbnailHeaderBytes || size > kMaxThumbnailBytes) return {};
+  if (size > kMaxThumbnailBytes) {
+    g_ITrace->Trace(TRACE_LEVEL_ERROR, TRACE_FLUSH, L"<WARNING> thumbs.db thumbnail of %llu bytes is over the limit: %s",
+                    size, m_strPath);
+    return {};
+  }
+  if (size <= kThumbnailHeaderBytes) return {};
   std::vector<BYTE> bytes(static_cast<size_t>(size));
   if (!stream->Read(bytes.data(), size)) return {};
   bytes.erase(bytes.begin(), bytes.begin() + kThumbnailHeaderBytes);
