@@ -34,11 +34,12 @@ HOME=$work XDG_DATA_HOME=$work/data XDG_CACHE_HOME=$work/cache SDL_VIDEODRIVER=x
   "$viewer" "$photos/Lakeside.jpg" --skin Default --status-file "$status" >"$work/viewer.log" 2>&1 &
 pids+=($!)
 
-last_line_has() { [ -s "$status" ] && tail -n 1 "$status" | grep -q "$1"; }
-wait_for 30 last_line_has 'Lakeside.jpg  1600 x 1067' || { echo "no status for Lakeside.jpg"; cat "$status" 2>/dev/null; exit 1; }
+# The strip names a picture "800 x 1200", the photo view "800 × 1200" once shown.
+has_status() { [ -s "$status" ] && grep -q "$1" "$status"; }
+wait_for 30 has_status 'Lakeside.jpg  1600 . 1067' || { echo "no status for Lakeside.jpg"; cat "$status" 2>/dev/null; exit 1; }
 window=$(xdotool search --sync --name '^KarvelView$' | head -n 1)
 xdotool windowfocus --sync "$window" 2>/dev/null || true
 xdotool key --window "$window" Right
 # Sorted without case: Bubbles, ColourChart, Evening, Lakeside, Lighthouse, ...
-wait_for 30 last_line_has 'Lighthouse.jpg  800 x 1200' || { echo "Right did not select Lighthouse.jpg"; cat "$status"; exit 1; }
+wait_for 30 has_status 'Lighthouse.jpg  800 . 1200' || { echo "Right did not select Lighthouse.jpg"; cat "$status"; exit 1; }
 echo "status after Right: $(tail -n 1 "$status")"
