@@ -12,6 +12,7 @@
 #include <karvelui/Helpers.h>
 #include <karvelui/SkinReader.h>
 #include <karvelui/XmlDocument.h>
+#include "ReadEverything.h"
 
 using namespace KarvelUI;
 
@@ -46,41 +47,6 @@ void* ChildFor(void* element, const wchar_t* name) {
   return inserted;
 }
 
-void ReadEverything(const CSkinReader& reader) {
-  CString text;
-  reader.GetString(text, L"");
-  int number = 0;
-  reader.GetInt(number, L"Size");
-  reader.GetBool(number, L"Hor");
-  reader.GetBool(number, L"AllowSize");
-  DWORD dword = 0;
-  reader.GetDWORD(dword, L"Color");
-  reader.GetColor(dword, L"TextColor");
-  float real = 0.0f;
-  reader.GetReal(real, L"Alpha");
-  CSize size;
-  reader.GetSize(size, L"MinSize");
-  CPoint point;
-  reader.GetPoint(point, L"Offset");
-  CRect rect;
-  reader.GetRect(rect, L"Rect", 1);
-  reader.GetRect(rect, L"Bounds", 0);
-  CEdge edge;
-  reader.GetEdge(edge);
-  LOGFONTW font{};
-  reader.GetFont(font, dword, L"Font");
-  _AssData ass;
-  reader.GetAssData(&ass);
-  _ImageConfig image;
-  reader.GetImage(image, L"Image");
-  _ImageEdgeConfig edgeImage;
-  reader.GetImage(edgeImage, L"Edge");
-  _ImageBorderConfig border;
-  reader.GetImage(border, L"Border");
-  _ImageConfig states[6];
-  reader.Get5StateImage(states, L"Button");
-  reader.Get6StateImage(states, L"Check");
-}
 
 }  // namespace
 
@@ -97,6 +63,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     MBCS_to_CString(line.c_str(), value);
     CXmlDocument::SetNodeAttribute(target.child ? ChildFor(element, target.child) : element, target.key, value);
   }
-  ReadEverything(CSkinReader(element));
+  KarvelFuzz::ReadEverything(CSkinReader(element));
   return 0;
 }

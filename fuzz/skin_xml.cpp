@@ -25,6 +25,7 @@
 #include <karvelui/SkinReader.h>
 #include <karvelui/XmlDocument.h>
 #include "skin/XmlText.h"
+#include "ReadEverything.h"
 
 using namespace KarvelUI;
 
@@ -48,41 +49,6 @@ CString WriteInput(const std::uint8_t* data, std::size_t size) {
   return FromNativePath(file.string());
 }
 
-void ReadEverything(const CSkinReader& reader) {
-  CString text;
-  reader.GetString(text, L"");
-  reader.GetString(text, L"File");
-  int number = 0;
-  reader.GetInt(number, L"Size");
-  reader.GetBool(number, L"Hor");
-  DWORD dword = 0;
-  reader.GetDWORD(dword, L"Color");
-  reader.GetColor(dword, L"TextColor");
-  float real = 0.0f;
-  reader.GetReal(real, L"Alpha");
-  CSize size;
-  reader.GetSize(size, L"MinSize");
-  CPoint point;
-  reader.GetPoint(point, L"Offset");
-  CRect rect;
-  reader.GetRect(rect, L"Rect", 1);
-  reader.GetRect(rect, L"Bounds", 0);
-  CEdge edge;
-  reader.GetEdge(edge);
-  LOGFONTW font{};
-  reader.GetFont(font, dword, L"Font");
-  _AssData ass;
-  reader.GetAssData(&ass);
-  _ImageConfig image;
-  reader.GetImage(image, L"Image");
-  _ImageEdgeConfig edgeImage;
-  reader.GetImage(edgeImage, L"Edge");
-  _ImageBorderConfig border;
-  reader.GetImage(border, L"Border");
-  _ImageConfig states[6];
-  reader.Get5StateImage(states, L"Button");
-  reader.Get6StateImage(states, L"Check");
-}
 
 // Reads every element; returns the depth of the deepest one.
 int Visit(void* node, int& budget) {
@@ -90,7 +56,7 @@ int Visit(void* node, int& budget) {
   for (void* child = CXmlDocument::GetFirstChild(node); child && budget > 0;
        child = CXmlDocument::GetNextSibling(child)) {
     --budget;
-    ReadEverything(CSkinReader(child));
+    KarvelFuzz::ReadEverything(CSkinReader(child));
     deepest = std::max(deepest, Visit(child, budget));
   }
   return deepest + 1;
@@ -113,7 +79,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   if (!root) abort();
 
   int budget = 4000;
-  ReadEverything(CSkinReader(root));
+  KarvelFuzz::ReadEverything(CSkinReader(root));
   const int depth = Visit(root, budget);
   const std::string_view bytes(reinterpret_cast<const char*>(data), size);
   if (budget > 0 && depth > MeasureXmlShape(NormalizeXmlText(bytes), 1 << 20, 1 << 20).depth) abort();
